@@ -1,0 +1,59 @@
+#include "zyn/frame/class_table.h"
+
+#include <memory>
+
+#include "mox/core/registry.h"
+#include "zyn/frame/plugin_containers.h"
+#include "zyn/matrix/data_matrix.h"
+#include "zyn/matrix/data_matrix_columns.h"
+#include "zyn/matrix/data_matrix_row.h"
+#include "zyn/matrix/data_matrix_sorter.h"
+#include "zyn/sql/data_matrix_sql_in_filters.h"
+#include "zyn/sql/data_matrix_sql_loader.h"
+#include "zyn/sql/data_matrix_sql_range_filters.h"
+#include "zyn/sql/data_matrix_sql_unique_filters.h"
+
+namespace {
+
+template <class T>
+void internal(moxPluginRegistry& registry, char const* registeredName) {
+  registry.registerClass(std::make_unique<moxInternalPluginContainer<T>>(registeredName));
+}
+
+void registerMatrix(moxPluginRegistry& registry) {
+  internal<DataMatrix>(registry, "moxDataMatrix");
+  internal<moxDataMatrixDateColumn_internal>(registry, "moxDataMatrixDateColumn");
+  internal<moxDataMatrixDoubleColumn_internal>(registry, "moxDataMatrixDoubleColumn");
+  internal<moxDataMatrixIntColumn_internal>(registry, "moxDataMatrixIntColumn");
+  internal<moxDataMatrixTextColumn_internal>(registry, "moxDataMatrixTextColumn");
+  internal<moxDataMatrixBlobColumn_internal>(registry, "moxDataMatrixBlobColumn");
+  internal<DataMatrixRow>(registry, "moxDataMatrixRow");
+}
+
+void registerSqlLoading(moxPluginRegistry& registry) {
+  internal<DataMatrixSQLLoader>(registry, "moxDataMatrixSQLLoader");
+  internal<DataMatrixSQLIntegerUniqueFilter>(registry, "moxDataMatrixSQLIntegerUniqueFilter");
+  internal<DataMatrixSQLIntegerUniqueSQLFilter>(registry, "moxDataMatrixSQLIntegerUniqueSQLFilter");
+  internal<DataMatrixSQLIntegerRangeFilter>(registry, "moxDataMatrixSQLIntegerRangeFilter");
+  internal<DataMatrixSQLIntegerInFilter>(registry, "moxDataMatrixSQLIntegerInFilter");
+  internal<DataMatrixSQLTextUniqueFilter>(registry, "moxDataMatrixSQLTextUniqueFilter");
+  internal<DataMatrixSQLTextRangeFilter>(registry, "moxDataMatrixSQLTextRangeFilter");
+  internal<DataMatrixSQLTextInFilter>(registry, "moxDataMatrixSQLTextInFilter");
+  internal<DataMatrixSQLDoubleUniqueFilter>(registry, "moxDataMatrixSQLDoubleUniqueFilter");
+  internal<DataMatrixSQLDoubleRangeFilter>(registry, "moxDataMatrixSQLDoubleRangeFilter");
+  internal<DataMatrixSQLDoubleInFilter>(registry, "moxDataMatrixSQLDoubleInFilter");
+  internal<DataMatrixSQLDateUniqueFilter>(registry, "moxDataMatrixSQLDateUniqueFilter");
+  internal<DataMatrixSQLDateRangeFilter>(registry, "moxDataMatrixSQLDateRangeFilter");
+}
+
+void registerMatrixOperations(moxPluginRegistry& registry) {
+  internal<DataMatrixSorter>(registry, "moxDataMatrixSorter");
+}
+
+}  // namespace
+
+void registerModuleClasses(moxPluginRegistry& registry) {
+  registerMatrix(registry);
+  registerSqlLoading(registry);
+  registerMatrixOperations(registry);
+}
