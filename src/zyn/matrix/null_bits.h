@@ -1,0 +1,60 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+/// One bit a row, set where the row is null. Reading past the end is the caller's fault; columns check.
+class NullBits {
+ public:
+  static constexpr std::size_t kBitsPerWord = 64;
+
+  void reserve(std::size_t rows) { words_.reserve(wordsFor(rows)); }
+
+  void clear() {
+    words_.clear();
+    size_ = 0;
+  }
+
+  void push(bool null) {
+    std::size_t const bit = size_ % kBitsPerWord;
+    if (bit == 0) {
+      words_.push_back(0);
+    }
+    words_.back() |= std::uint64_t{null} << bit;
+    ++size_;
+  }
+
+  /// Adds rows that are not null.
+  void pushValid(std::size_t rows) {
+    size_ += rows;
+    words_.resize(wordsFor(size_), 0);
+  }
+
+  bool test(std::size_t row) const { return (words_[row / kBitsPerWord] >> (row % kBitsPerWord)) & 1U; }
+  void set(std::size_t row) { words_[row / kBitsPerWord] |= maskOf(row); }
+  void reset(std::size_t row) { words_[row / kBitsPerWord] &= ~maskOf(row); }
+
+  std::size_t size() const { return size_; }
+
+  /// The words, lowest row in the lowest bit; bits past size() are 0.
+  std::uint64_t const* words() const { return words_.data(); }
+  std::size_t wordCount() const { return words_.size(); }
+
+  /// Whether some row is null: lets a loop over a column without nulls go without asking each row.
+  bool any() const {
+    for (std::uint64_t const word : words_) {
+      if (word != 0) {
+        return true;
+      }
+    }
+    return false;
+  }
+
+ private:
+  static std::size_t wordsFor(std::size_t rows) { return (rows + kBitsPerWord - 1) / kBitsPerWord; }
+  static std::uint64_t maskOf(std::size_t row) { return std::uint64_t{1} << (row % kBitsPerWord); }
+
+  std::vector<std::uint64_t> words_;
+  std::size_t size_ = 0;
+};

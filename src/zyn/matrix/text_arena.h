@@ -1,0 +1,40 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <string_view>
+#include <vector>
+
+/// Where the bytes of long texts live. Bytes once written never move and never change, so that references stay
+/// good while the arena grows, and a column may share another's bytes instead of copying them.
+class TextArena {
+ public:
+  /// Copies the bytes and gives their new place. Throws std::bad_alloc.
+  char const* store(std::string_view bytes) {
+    if (bytes.size() > room_) {
+      addChunk(bytes.size());
+    }
+    char* const place = next_;
+    std::char_traits<char>::copy(place, bytes.data(), bytes.size());
+    next_ += bytes.size();
+    room_ -= bytes.size();
+    return place;
+  }
+
+  /// Keeps the other arena's bytes alive for as long as this one lives.
+  void share(TextArena const& other);
+
+  /// Lets go of all bytes; those that another arena shares live on there.
+  void clear();
+
+  /// Bytes held, shared ones not counted.
+  std::size_t capacity() const { return capacity_; }
+
+ private:
+  void addChunk(std::size_t atLeast);
+
+  std::vector<std::shared_ptr<char[]>> chunks_;
+  char* next_ = nullptr;
+  std::size_t room_ = 0;      // bytes left behind next_
+  std::size_t capacity_ = 0;  // bytes of the chunks made here
+};
