@@ -7,15 +7,16 @@
 
 class datetime_t;
 
-/// A civil day without a zone, years 1 to 9999, or the empty date. A small value, copied freely; constant
-/// operations are safe from any thread. Days are counted in the proleptic Gregorian calendar.
+/// A civil day without a zone, years 1 to 9999, or the empty date. A small value, copied freely;
+/// constant operations are safe from any thread. Days are counted in the proleptic Gregorian
+/// calendar.
 class date_t {
  public:
   /// The empty date.
   date_t() noexcept = default;
 
-  /// Day 1..31, month 1..12. Values beyond are carried on as in mktime: (31, 2, 2023) is 3 March 2023.
-  /// What falls outside the years 1 to 9999 gives the empty date, and so does (0, 0, 0).
+  /// Day 1..31, month 1..12. Values beyond are carried on as in mktime: (31, 2, 2023) is 3 March
+  /// 2023. What falls outside the years 1 to 9999 gives the empty date, and so does (0, 0, 0).
   date_t(int day, int month, int year) noexcept;
 
   /// The day of a moment; empty for the empty one.
@@ -24,8 +25,8 @@ class date_t {
   /// Today, by the clock that the application was given.
   static date_t currdate();
 
-  /// Adds to each part and carries on as the constructor does: 31 January and a month is 2 or 3 March. The
-  /// empty date stays empty.
+  /// Adds to each part and carries on as the constructor does: 31 January and a month is 2 or 3
+  /// March. The empty date stays empty.
   void adjust(int days, int months, int years) noexcept;
 
   /// Parts of the date; 0 for the empty date.
@@ -39,8 +40,8 @@ class date_t {
   /// Broken down, with tm_wday and tm_yday, tm_isdst 0; nothing for the empty date.
   std::optional<std::tm> asTM() const noexcept;
 
-  /// Seconds from 1970-01-01 to midnight of the day, as if in UTC: no zone ever shifts an order. The empty
-  /// date comes before all others.
+  /// Seconds from 1970-01-01 to midnight of the day, as if in UTC: no zone ever shifts an order.
+  /// The empty date comes before all others.
   std::time_t asTime_t() const noexcept;
 
   /// Days from this date to `other`, negative when that is earlier; 0 when either is empty.

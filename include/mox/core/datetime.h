@@ -7,21 +7,22 @@
 
 #include "mox/core/date.h"
 
-/// A civil moment to the second, without a zone, years 1 to 9999, or the empty moment. A small value, copied
-/// freely; constant operations are safe from any thread.
+/// A civil moment to the second, without a zone, years 1 to 9999, or the empty moment. A small
+/// value, copied freely; constant operations are safe from any thread.
 class datetime_t {
  public:
   /// The empty moment.
   datetime_t() noexcept = default;
 
-  /// Parts beyond their range are carried on as in mktime; outside the years 1 to 9999, and for day, month
-  /// and year all 0, the result is empty.
+  /// Parts beyond their range are carried on as in mktime; outside the years 1 to 9999, and for
+  /// day, month and year all 0, the result is empty.
   datetime_t(int day, int month, int year, int hour = 0, int minute = 0, int second = 0) noexcept;
 
   /// Midnight of the day; empty for the empty date.
   explicit datetime_t(date_t const& date) noexcept;
 
-  /// The moment that many seconds after 1970-01-01 00:00, as if in UTC; empty outside the years 1 to 9999.
+  /// The moment that many seconds after 1970-01-01 00:00, as if in UTC; empty outside the years 1
+  /// to 9999.
   static datetime_t fromTime_t(std::time_t seconds) noexcept;
 
   /// As date_t::adjust; the time of day stays.

@@ -6,8 +6,8 @@
 #include <utility>
 #include <vector>
 
-/// Root of every failure that a user can mend, or at least must be told of. It is no `std::exception`: whoever
-/// stands at a border (program, web, scripts) catches both families.
+/// Root of every failure that a user can mend, or at least must be told of. It is no
+/// `std::exception`: whoever stands at a border (program, web, scripts) catches both families.
 class moxError {
  public:
   virtual ~moxError() = default;
@@ -18,7 +18,8 @@ class moxError {
   /// Further lines: file, line, statement. Empty when there is nothing to add.
   virtual std::vector<std::string> errorDetails() const = 0;
 
-  /// Code of the party that failed (a database server's number, an HTTP status). Empty when there is none.
+  /// Code of the party that failed (a database server's number, an HTTP status). Empty when there
+  /// is none.
   virtual std::string errorCode() const = 0;
 };
 

@@ -6,8 +6,8 @@ class VELMORApplication;
 class moxPluginRegistry;
 class moxSessionService;
 
-/// The record behind `moxPlugIn_ModuleVersion`: plain data, readable whatever compiler built the module.
-/// The framework refuses a module whose magic, size or interface version is not its own.
+/// The record behind `moxPlugIn_ModuleVersion`: plain data, readable whatever compiler built the
+/// module. The framework refuses a module whose magic, size or interface version is not its own.
 struct moxModuleVersion {
   static constexpr std::uint32_t kMagic = 0x4D4F5856;  // "MOXV"
   static constexpr std::uint32_t kInterfaceVersion = 1;
@@ -20,7 +20,8 @@ struct moxModuleVersion {
   char const* compiler;            // for people
 };
 
-/// The four entry points of a module, as the loader finds them by symbol, in the order in which they are called.
+/// The four entry points of a module, as the loader finds them by symbol, in the order in which
+/// they are called.
 struct moxModuleEntryPoints {
   static constexpr char const* kModuleVersion = "moxPlugIn_ModuleVersion";
   static constexpr char const* kDoValidityCheck = "moxPlugIn_DoValidityCheck";

@@ -16,7 +16,8 @@ class moxPluginBasicContainer {
  public:
   virtual ~moxPluginBasicContainer() = default;
 
-  /// Called once by the registry, before any other operation, with the name given to setLibraryName.
+  /// Called once by the registry, before any other operation, with the name given to
+  /// setLibraryName.
   virtual void setParentLibraryName(std::string const& libraryName) = 0;
 };
 
@@ -24,14 +25,16 @@ class moxPluginBasicContainer {
 /// All operations may be called from any thread once the class is registered.
 class moxCorePluginBasicContainer : public virtual moxPluginBasicContainer {
  public:
-  /// Whether the calling thread's session may use the class. The registry asks before every getInstance.
+  /// Whether the calling thread's session may use the class. The registry asks before every
+  /// getInstance.
   virtual bool isAvaliable() const = 0;
 
-  /// An instance; new or shared is the container's business. Throws what the class's constructor throws.
+  /// An instance; new or shared is the container's business. Throws what the class's constructor
+  /// throws.
   virtual std::shared_ptr<moxPluginBase> getInstance() const = 0;
 
-  /// The implementation class. The registry compares it with the type wanted before it makes an object, so
-  /// that a name read from a document cannot run the constructor of an unrelated class.
+  /// The implementation class. The registry compares it with the type wanted before it makes an
+  /// object, so that a name read from a document cannot run the constructor of an unrelated class.
   virtual std::type_info const& getTypeInfo() const = 0;
 
   /// Null for a class that asks nothing.
@@ -40,7 +43,8 @@ class moxCorePluginBasicContainer : public virtual moxPluginBasicContainer {
   /// The registered name; the reference lives as long as the container.
   virtual std::string const& name() const = 0;
 
-  /// How instances are delivered, in a word for people ("internal", "static", "core", ...). Never empty.
+  /// How instances are delivered, in a word for people ("internal", "static", "core", ...). Never
+  /// empty.
   virtual std::string containerKind() const = 0;
 };
 
@@ -49,6 +53,7 @@ class moxSessionPluginBasicContainer {
  public:
   virtual ~moxSessionPluginBasicContainer() = default;
 
-  /// Drops the instance of a session that ends. Called before the handle dies; an unknown handle is ignored.
+  /// Drops the instance of a session that ends. Called before the handle dies; an unknown handle is
+  /// ignored.
   virtual void releaseSession(void const* session) const = 0;
 };

@@ -12,7 +12,8 @@ class moxPluginRegistry {
  public:
   virtual ~moxPluginRegistry() = default;
 
-  /// Enters a class and takes ownership. Throws moxError for an empty name or one that is taken already.
+  /// Enters a class and takes ownership. Throws moxError for an empty name or one that is taken
+  /// already.
   virtual void registerClass(std::unique_ptr<moxCorePluginBasicContainer> container) = 0;
 
   /// Enters a service and takes ownership.

@@ -2,8 +2,8 @@
 
 #include <string>
 
-/// A part of a module that is started and stopped with the application. The registry owns it.
-/// Calls come from the thread that starts and stops the application, never from two threads at once.
+/// A part of a module that is started and stopped with the application. The registry owns it. Calls
+/// come from the thread that starts and stops the application, never from two threads at once.
 class moxServiceBase {
  public:
   /// How a service wants to be run; the host asks verifyProperties for each kind that it knows.

@@ -7,7 +7,8 @@
 
 class moxSessionPluginBasicContainer;
 
-/// The user behind a session, as the data layer needs to know him. Values do not change while a call runs.
+/// The user behind a session, as the data layer needs to know him. Values do not change while a
+/// call runs.
 class moxUserSession {
  public:
   virtual ~moxUserSession() = default;
@@ -38,7 +39,8 @@ class moxSessionManager {
  public:
   virtual ~moxSessionManager() = default;
 
-  /// Library names that the session may use. Empty means no restriction, and so does an unknown handle.
+  /// Library names that the session may use. Empty means no restriction, and so does an unknown
+  /// handle.
   virtual std::set<std::string> permittedLibraries(void const* session) const = 0;
 
   /// Whether `libraryName` may be used: it is in the set, or the set is empty.
@@ -53,7 +55,8 @@ class moxSessionManager {
   virtual void unregisterSessionContainer(moxSessionPluginBasicContainer const* container) = 0;
 };
 
-/// The session service. "Current" is a matter of the calling thread: a thread works for one session at a time.
+/// The session service. "Current" is a matter of the calling thread: a thread works for one session
+/// at a time.
 class moxSessionService {
  public:
   /// Handle of the calling thread's session; null when the thread works for none.

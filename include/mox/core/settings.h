@@ -3,7 +3,8 @@
 #include <string>
 #include <vector>
 
-/// The application's settings: sections of keys with text values. Constant after start, so safe for all threads.
+/// The application's settings: sections of keys with text values. Constant after start, so safe for
+/// all threads.
 class moxSettings {
  public:
   virtual ~moxSettings() = default;

@@ -2,7 +2,8 @@
 
 #include <typeinfo>
 
-/// Answers questions on class trees that the language only answers for an object at hand. Thread-safe.
+/// Answers questions on class trees that the language only answers for an object at hand.
+/// Thread-safe.
 class moxTypeService {
  public:
   virtual ~moxTypeService() = default;

@@ -6,6 +6,7 @@ bool currentSessionMayUse(std::string const& libraryName) {
   if (moxSession == nullptr) {
     return false;
   }
-  auto const permitted = moxSession->sessionManager().permittedLibraries(moxSession->currentSession());
+  auto const permitted =
+      moxSession->sessionManager().permittedLibraries(moxSession->currentSession());
   return permitted.empty() || permitted.count(libraryName) == 1;
 }

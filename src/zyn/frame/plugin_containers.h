@@ -21,15 +21,20 @@ struct PluginPermissionsOf {
   static moxPluginPermissions const* get() { return nullptr; }
 };
 
-/// What the five containers share: the registered name, the library, and what is known of `T` without making one.
+/// What the five containers share: the registered name, the library, and what is known of `T`
+/// without making one.
 template <class T>
 class PluginContainerBase : public virtual moxCorePluginBasicContainer {
  public:
   explicit PluginContainerBase(std::string registeredName) : name_(std::move(registeredName)) {}
 
-  void setParentLibraryName(std::string const& libraryName) override { parentLibraryName_ = libraryName; }
+  void setParentLibraryName(std::string const& libraryName) override {
+    parentLibraryName_ = libraryName;
+  }
   std::type_info const& getTypeInfo() const override { return typeid(T); }
-  moxPluginPermissions const* getPermissions() const override { return PluginPermissionsOf<T>::get(); }
+  moxPluginPermissions const* getPermissions() const override {
+    return PluginPermissionsOf<T>::get();
+  }
   std::string const& name() const override { return name_; }
 
  protected:
@@ -51,8 +56,8 @@ class moxInternalPluginContainer final : public PluginContainerBase<T> {
   std::string containerKind() const override { return "internal"; }
 };
 
-/// The one instance of a static container, made on first demand. The lock is recursive because a constructor
-/// may ask the registry for other classes, and so come by again.
+/// The one instance of a static container, made on first demand. The lock is recursive because a
+/// constructor may ask the registry for other classes, and so come by again.
 template <class T>
 class SharedInstance {
  public:

@@ -22,7 +22,9 @@ MOX_EXPORT int moxPlugIn_RegisterClasses(moxPluginRegistry* registry) {
   return 1;
 }
 
-MOX_EXPORT int moxPlugIn_DoValidityCheck() { return 1; }
+MOX_EXPORT int moxPlugIn_DoValidityCheck() {
+  return 1;
+}
 
 MOX_EXPORT void const* moxPlugIn_ModuleVersion() {
   static moxModuleVersion const version{moxModuleVersion::kMagic,

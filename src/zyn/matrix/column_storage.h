@@ -16,7 +16,8 @@
 
 class moxReadBlob;
 
-/// The values of a column whose kind has a natural width: a plain array. `Cell` is what an engine's loop sees.
+/// The values of a column whose kind has a natural width: a plain array. `Cell` is what an engine's
+/// loop sees.
 template <class T>
 class PlainValues {
  public:
@@ -40,8 +41,9 @@ class PlainValues {
   std::vector<T> cells_;
 };
 
-/// The texts of a column: references of 16 bytes, and an arena for what does not fit in them. A text that is
-/// overwritten leaves its bytes in the arena until the column is cleared, as somebody may share them.
+/// The texts of a column: references of 16 bytes, and an arena for what does not fit in them. A
+/// text that is overwritten leaves its bytes in the arena until the column is cleared, as somebody
+/// may share them.
 class TextValues {
  public:
   using Cell = TextRef;
@@ -93,8 +95,9 @@ struct ColumnValues<std::string> {
   using Type = TextValues;
 };
 
-/// All that a column stores: values, and a bit a row for the nulls, always of the same length. Under a null
-/// stands the type's default, or what was there before setNull. This is what the module's engines loop over.
+/// All that a column stores: values, and a bit a row for the nulls, always of the same length.
+/// Under a null stands the type's default, or what was there before setNull. This is what the
+/// module's engines loop over.
 template <class T>
 struct ColumnStorage {
   using Value = T;
@@ -129,10 +132,15 @@ struct ColumnStorage {
 };
 
 /// Order of two values that are not null: -1, 0 or 1.
-inline int compareCells(int left, int right) { return left < right ? -1 : static_cast<int>(left > right); }
-inline int compareCells(double left, double right) { return left < right ? -1 : static_cast<int>(left > right); }
+inline int compareCells(int left, int right) {
+  return left < right ? -1 : static_cast<int>(left > right);
+}
+inline int compareCells(double left, double right) {
+  return left < right ? -1 : static_cast<int>(left > right);
+}
 inline int compareCells(datetime_t const& left, datetime_t const& right) {
-  return left.asTime_t() < right.asTime_t() ? -1 : static_cast<int>(left.asTime_t() > right.asTime_t());
+  return left.asTime_t() < right.asTime_t() ? -1
+                                            : static_cast<int>(left.asTime_t() > right.asTime_t());
 }
 inline int compareCells(TextRef const& left, TextRef const& right) {
   int const order = TextRef::compare(left, right);
@@ -142,6 +150,7 @@ inline int compareCells(std::string const& left, std::string const& right) {
   int const order = left.compare(right);
   return order < 0 ? -1 : static_cast<int>(order > 0);
 }
-inline int compareCells(std::shared_ptr<moxReadBlob> const& left, std::shared_ptr<moxReadBlob> const& right) {
+inline int compareCells(std::shared_ptr<moxReadBlob> const& left,
+                        std::shared_ptr<moxReadBlob> const& right) {
   return std::less<>{}(left.get(), right.get()) ? -1 : static_cast<int>(left.get() != right.get());
 }

@@ -8,7 +8,8 @@
 #include "mox/zyn/matrix/data_matrix_column.h"
 #include "zyn/matrix/column_storage.h"
 
-/// The implementation of the module's own columns, over a storage that its engines may use directly.
+/// The implementation of the module's own columns, over a storage that its engines may use
+/// directly.
 template <class T>
 class CommonColumn : public virtual moxDataMatrixTypedColumn<T>,
                      public std::enable_shared_from_this<moxDataMatrixColumn> {
@@ -23,7 +24,9 @@ class CommonColumn : public virtual moxDataMatrixTypedColumn<T>,
   void clear() override { storage_.clear(); }
   unsigned int numRows() const override { return static_cast<unsigned int>(storage_.size()); }
 
-  bool isNull(unsigned int row) const override { return row >= storage_.size() || storage_.nulls.test(row); }
+  bool isNull(unsigned int row) const override {
+    return row >= storage_.size() || storage_.nulls.test(row);
+  }
 
   std::shared_ptr<moxIterator> begin() override;
 
@@ -37,7 +40,9 @@ class CommonColumn : public virtual moxDataMatrixTypedColumn<T>,
   std::shared_ptr<moxGenericFormatter const> getFormatter() const override { return formatter_; }
 
   void appendValue(T const& value) override { storage_.push(value); }
-  T getValue(unsigned int row) const override { return isNull(row) ? T{} : storage_.values.read(row); }
+  T getValue(unsigned int row) const override {
+    return isNull(row) ? T{} : storage_.values.read(row);
+  }
 
   ColumnStorage<T>& storage() { return storage_; }
   ColumnStorage<T> const& storage() const { return storage_; }

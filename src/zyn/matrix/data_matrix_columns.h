@@ -9,7 +9,8 @@
 #include "zyn/matrix/typed_iterator.h"
 
 /// Registered as "moxDataMatrixIntColumn"; the four below likewise.
-class moxDataMatrixIntColumn_internal final : public CommonColumn<int>, public virtual moxDataMatrixIntColumn {
+class moxDataMatrixIntColumn_internal final : public CommonColumn<int>,
+                                              public virtual moxDataMatrixIntColumn {
  public:
   std::string name() const override { return "moxDataMatrixIntColumn"; }
   moxDataMatrixTypes::Types getType() const override { return moxDataMatrixTypes::Int; }
@@ -43,8 +44,9 @@ class moxDataMatrixBlobColumn_internal final : public CommonColumn<std::shared_p
   moxDataMatrixTypes::Types getType() const override { return moxDataMatrixTypes::Blob; }
 };
 
-/// Calls `use` with the storage of one of the module's own columns, typed, once: the place to start a loop over
-/// plain arrays. False, and no call, for a column of foreign make, which is read through cursors instead.
+/// Calls `use` with the storage of one of the module's own columns, typed, once: the place to start
+/// a loop over plain arrays. False, and no call, for a column of foreign make, which is read
+/// through cursors instead.
 template <class Use>
 bool withStorage(moxDataMatrixColumn& column, Use&& use) {
   auto const typed = [&]<class T>(std::type_identity<T>) {

@@ -4,7 +4,8 @@
 #include <cstdint>
 #include <vector>
 
-/// One bit a row, set where the row is null. Reading past the end is the caller's fault; columns check.
+/// One bit a row, set where the row is null. Reading past the end is the caller's fault; columns
+/// check.
 class NullBits {
  public:
   static constexpr std::size_t kBitsPerWord = 64;
@@ -31,7 +32,9 @@ class NullBits {
     words_.resize(wordsFor(size_), 0);
   }
 
-  bool test(std::size_t row) const { return (words_[row / kBitsPerWord] >> (row % kBitsPerWord)) & 1U; }
+  bool test(std::size_t row) const {
+    return (words_[row / kBitsPerWord] >> (row % kBitsPerWord)) & 1U;
+  }
   void set(std::size_t row) { words_[row / kBitsPerWord] |= maskOf(row); }
   void reset(std::size_t row) { words_[row / kBitsPerWord] &= ~maskOf(row); }
 

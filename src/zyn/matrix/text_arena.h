@@ -5,8 +5,9 @@
 #include <string_view>
 #include <vector>
 
-/// Where the bytes of long texts live. Bytes once written never move and never change, so that references stay
-/// good while the arena grows, and a column may share another's bytes instead of copying them.
+/// Where the bytes of long texts live. Bytes once written never move and never change, so that
+/// references stay good while the arena grows, and a column may share another's bytes instead of
+/// copying them.
 class TextArena {
  public:
   /// Copies the bytes and gives their new place. Throws std::bad_alloc.

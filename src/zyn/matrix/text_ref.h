@@ -6,9 +6,9 @@
 #include <cstring>
 #include <string_view>
 
-/// A text in 16 bytes: up to twelve bytes stand in the reference itself, a longer text keeps its first four there
-/// and the whole in an arena. Most comparisons end in the first eight bytes without touching the arena.
-/// A reference does not own the arena's bytes.
+/// A text in 16 bytes: up to twelve bytes stand in the reference itself, a longer text keeps its
+/// first four there and the whole in an arena. Most comparisons end in the first eight bytes
+/// without touching the arena. A reference does not own the arena's bytes.
 class TextRef {
  public:
   static constexpr std::size_t kInlineBytes = 12;
@@ -42,7 +42,8 @@ class TextRef {
   /// Valid as long as this very reference, and the arena.
   std::string_view view() const { return {data(), length_}; }
 
-  /// The first bytes as a number that orders like the bytes do, filled up with zeros: big end first.
+  /// The first bytes as a number that orders like the bytes do, filled up with zeros: big end
+  /// first.
   std::uint32_t prefix() const {
     std::uint32_t word = 0;
     std::memcpy(&word, content_, sizeof word);

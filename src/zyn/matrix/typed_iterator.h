@@ -8,8 +8,8 @@
 #include "mox/zyn/matrix/iterator.h"
 #include "zyn/matrix/common_column.h"
 
-/// The cursor over the module's own columns. It holds a row number and not a place in memory, because engines
-/// append to a result whose cursors they still use.
+/// The cursor over the module's own columns. It holds a row number and not a place in memory,
+/// because engines append to a result whose cursors they still use.
 template <class T>
 class moxTypedIterator final : public moxIteratorBase<T> {
  public:
@@ -53,9 +53,15 @@ class moxTypedIterator final : public moxIteratorBase<T> {
 
   bool isNull() const override { return column_->isNull(row_); }
   moxDataMatrixTypes::Types getType() const override { return column_->getType(); }
-  std::shared_ptr<moxDataMatrixColumn> getParentColumn() const override { return column_->shared_from_this(); }
-  std::shared_ptr<moxIterator> clone() const override { return std::make_shared<moxTypedIterator>(*this); }
-  bool equals(std::shared_ptr<moxIterator const> const& other) const override { return compare(other) == 0; }
+  std::shared_ptr<moxDataMatrixColumn> getParentColumn() const override {
+    return column_->shared_from_this();
+  }
+  std::shared_ptr<moxIterator> clone() const override {
+    return std::make_shared<moxTypedIterator>(*this);
+  }
+  bool equals(std::shared_ptr<moxIterator const> const& other) const override {
+    return compare(other) == 0;
+  }
 
   void set(std::shared_ptr<moxIterator const> const& other) override {
     auto const* const source = dynamic_cast<moxIteratorBase<T> const*>(other.get());
@@ -102,7 +108,9 @@ class moxTypedIterator final : public moxIteratorBase<T> {
  private:
   unsigned int size() const { return column_->numRows(); }
 
-  static int compareNulls(bool left, bool right) { return static_cast<int>(right) - static_cast<int>(left); }
+  static int compareNulls(bool left, bool right) {
+    return static_cast<int>(right) - static_cast<int>(left);
+  }
 
   int compareOwn(moxTypedIterator const& other) const {
     bool const null = isNull();
@@ -122,7 +130,9 @@ class moxTypedIterator final : public moxIteratorBase<T> {
     return compareCells(get(), other.get());
   }
 
-  typename ColumnStorage<T>::Cell const& cell() const { return column_->storage().values.cells()[row_]; }
+  typename ColumnStorage<T>::Cell const& cell() const {
+    return column_->storage().values.cells()[row_];
+  }
 
   CommonColumn<T>* column_;
   unsigned int row_;

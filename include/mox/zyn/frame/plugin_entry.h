@@ -4,8 +4,9 @@ class VELMORApplication;
 class moxPluginRegistry;
 class moxSessionService;
 
-/// The application and its session service, as handed over at loading; written once, before anything else runs.
-/// `moxSession` may be null: then nobody is logged in, and classes that ask for rights are not available.
+/// The application and its session service, as handed over at loading; written once, before
+/// anything else runs. `moxSession` may be null: then nobody is logged in, and classes that ask for
+/// rights are not available.
 extern VELMORApplication* moxApp;
 extern moxSessionService* moxSession;
 

@@ -9,12 +9,12 @@
 
 class moxGenericFormatter;
 
-/// One growing column: values of one kind with a null flag beside each. A column takes no lock: it may be read
-/// by many threads only while none writes. Rows are never taken out of the middle.
+/// One growing column: values of one kind with a null flag beside each. A column takes no lock: it
+/// may be read by many threads only while none writes. Rows are never taken out of the middle.
 class moxDataMatrixColumn : public virtual moxPluginBase {
  public:
-  /// Makes room for `rows` rows; the number of rows stays. Throws std::length_error for a number that is
-  /// negative or that no column can have.
+  /// Makes room for `rows` rows; the number of rows stays. Throws std::length_error for a number
+  /// that is negative or that no column can have.
   virtual void reserve(int rows) = 0;
 
   /// Takes all rows away and keeps the room.
@@ -49,8 +49,8 @@ class moxDataMatrixTypedColumn : public virtual moxDataMatrixColumn {
   /// Adds a row.
   virtual void appendValue(T const& value) = 0;
 
-  /// The row's value; the type's null value (0, 0.0, "", the empty date, an empty pointer) for a null and for a
-  /// row past the end.
+  /// The row's value; the type's null value (0, 0.0, "", the empty date, an empty pointer) for a
+  /// null and for a row past the end.
   virtual T getValue(unsigned int row) const = 0;
 };
 
@@ -59,4 +59,5 @@ class moxDataMatrixIntColumn : public virtual moxDataMatrixTypedColumn<int> {};
 class moxDataMatrixDoubleColumn : public virtual moxDataMatrixTypedColumn<double> {};
 class moxDataMatrixTextColumn : public virtual moxDataMatrixTypedColumn<std::string> {};
 class moxDataMatrixDateColumn : public virtual moxDataMatrixTypedColumn<datetime_t> {};
-class moxDataMatrixBlobColumn : public virtual moxDataMatrixTypedColumn<std::shared_ptr<moxReadBlob>> {};
+class moxDataMatrixBlobColumn
+    : public virtual moxDataMatrixTypedColumn<std::shared_ptr<moxReadBlob>> {};

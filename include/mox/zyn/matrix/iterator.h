@@ -7,9 +7,9 @@
 
 class moxDataMatrixColumn;
 
-/// A cursor over one column: a column and a row number. It does not own the column, which must outlive it, and
-/// stays where it is when the column grows. Belongs to the column's thread. It is never made by the registry,
-/// only by moxDataMatrixColumn::begin and clone.
+/// A cursor over one column: a column and a row number. It does not own the column, which must
+/// outlive it, and stays where it is when the column grows. Belongs to the column's thread. It is
+/// never made by the registry, only by moxDataMatrixColumn::begin and clone.
 ///
 /// At the end, one past the last row, a cursor reads as null and refuses to write.
 class moxIterator {
@@ -18,7 +18,8 @@ class moxIterator {
 
   virtual std::string name() const = 0;
 
-  /// Moves one row ahead; false when the cursor then stands at the end. At the end it stays, and gives false.
+  /// Moves one row ahead; false when the cursor then stands at the end. At the end it stays, and
+  /// gives false.
   virtual bool next() = 0;
 
   /// Moves one row back; false, without moving, at row 0.
@@ -35,7 +36,8 @@ class moxIterator {
 
   virtual moxDataMatrixTypes::Types getType() const = 0;
 
-  /// The column, sharing its ownership. Throws std::bad_weak_ptr for a column that no shared_ptr holds.
+  /// The column, sharing its ownership. Throws std::bad_weak_ptr for a column that no shared_ptr
+  /// holds.
   virtual std::shared_ptr<moxDataMatrixColumn> getParentColumn() const = 0;
 
   /// A new cursor on the same row of the same column.
@@ -44,17 +46,17 @@ class moxIterator {
   /// Whether compare gives 0.
   virtual bool equals(std::shared_ptr<moxIterator const> const& other) const = 0;
 
-  /// Takes over the other cursor's value, or its null (which stores the column's null value too). Nothing
-  /// happens for an empty pointer, a cursor over another kind of value, or at the end.
+  /// Takes over the other cursor's value, or its null (which stores the column's null value too).
+  /// Nothing happens for an empty pointer, a cursor over another kind of value, or at the end.
   virtual void set(std::shared_ptr<moxIterator const> const& other) = 0;
 
   /// Whether the cursor stands one past the last row.
   virtual bool atEnd() const = 0;
 
-  /// The one ordering of cells: -1, 0 or 1. Nulls come first, and are equal among themselves. Integers by
-  /// value; doubles by < and then >, so that a NaN equals everything; texts by bytes; dates by their second;
-  /// blobs by the address of the object. Throws std::bad_cast for a cursor over another kind of value, or an
-  /// empty pointer.
+  /// The one ordering of cells: -1, 0 or 1. Nulls come first, and are equal among themselves.
+  /// Integers by value; doubles by < and then >, so that a NaN equals everything; texts by bytes;
+  /// dates by their second; blobs by the address of the object. Throws std::bad_cast for a cursor
+  /// over another kind of value, or an empty pointer.
   virtual int compare(std::shared_ptr<moxIterator const> const& other) const = 0;
 
   /// The row number; the number of rows at the end.
@@ -76,7 +78,7 @@ class moxIteratorBase : public moxIterator {
   /// Overwrites the row's value and takes the null mark away; nothing happens at the end.
   virtual void set(T const& value) = 0;
 
-  /// The row's value; the type's null value (0, 0.0, "", the empty date, an empty pointer) for a null and at
-  /// the end.
+  /// The row's value; the type's null value (0, 0.0, "", the empty date, an empty pointer) for a
+  /// null and at the end.
   virtual T get() const = 0;
 };

@@ -5,8 +5,8 @@
 
 #include "mox/zyn/sql/data_matrix_sql_filter.h"
 
-/// "column in (?, ?)". Values are kept once each and bound in ascending order. Without values the condition is
-/// "1=0": who ticks nothing gets nothing.
+/// "column in (?, ?)". Values are kept once each and bound in ascending order. Without values the
+/// condition is "1=0": who ticks nothing gets nothing.
 class moxDataMatrixSQLIntegerInFilter : public virtual moxDataMatrixSQLIntegerFilter {
  public:
   virtual void pushVal(int value) = 0;

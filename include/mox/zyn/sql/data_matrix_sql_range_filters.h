@@ -5,8 +5,8 @@
 #include "mox/core/date.h"
 #include "mox/zyn/sql/data_matrix_sql_filter.h"
 
-/// "column between ? and ?", or with one bound ">= ?" or "<= ?". Both bounds belong to the range. Without bounds
-/// the condition is the bare column.
+/// "column between ? and ?", or with one bound ">= ?" or "<= ?". Both bounds belong to the range.
+/// Without bounds the condition is the bare column.
 class moxDataMatrixSQLIntegerRangeFilter : public virtual moxDataMatrixSQLIntegerFilter {
  public:
   /// `inForce` false takes the bound away; likewise in the filters below.

@@ -36,8 +36,8 @@ class moxDataMatrixSQLDateUniqueFilter : public virtual moxDataMatrixSQLDateFilt
   /// The day looked for; ends the null.
   virtual void setValue(date_t const& value) = 0;
 
-  /// Only for a mark of the statement's text, where a null is bound: the text of a condition stays the same,
-  /// and its mark would be left without a value.
+  /// Only for a mark of the statement's text, where a null is bound: the text of a condition stays
+  /// the same, and its mark would be left without a value.
   virtual void setNull() = 0;
 };
 
