@@ -29,6 +29,10 @@ class PhysicalConnection {
   /// Called before a statement is prepared: opens a dropped line anew when nothing is lost by it, that is, when
   /// no statement of it is alive. A drop that took temporary tables along is reported by a moxError, once.
   virtual void ensureUsable() = 0;
+
+  /// Makes the line as new for another thread: temporary tables dropped, an open transaction rolled back. False
+  /// when that cannot be done or a statement of it is alive; the line is then closed instead of lent again.
+  virtual bool resetForReuse() { return false; }
 };
 
 }  // namespace mox::core
