@@ -1,4 +1,5 @@
 # Configuring and building. Sourced by ./dev.
+# shellcheck shell=sh
 
 # configure NAME [CMake options]: makes build/NAME ready for ninja.
 configure() {

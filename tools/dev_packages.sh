@@ -1,4 +1,5 @@
 # Which Debian packages each kind of work needs, and how they get there. Sourced by ./dev.
+# shellcheck shell=sh
 
 packages_for() {
   case $1 in

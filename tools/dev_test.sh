@@ -1,4 +1,5 @@
 # Running the tests. Sourced by ./dev.
+# shellcheck shell=sh disable=SC2154
 
 results=build/test-results
 
