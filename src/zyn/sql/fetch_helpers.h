@@ -62,6 +62,18 @@ using FetchTextHelper = TypedFetchHelper<std::string>;
 using FetchDateHelper = TypedFetchHelper<datetime_t>;  // keeps the time of day
 using FetchBlobHelper = TypedFetchHelper<std::shared_ptr<moxReadBlob>>;
 
+template <>
+int FetchIntHelper::read(moxDatabaseConnection::PreparedStatement const& statement) const;
+template <>
+double FetchDoubleHelper::read(moxDatabaseConnection::PreparedStatement const& statement) const;
+template <>
+std::string FetchTextHelper::read(moxDatabaseConnection::PreparedStatement const& statement) const;
+template <>
+datetime_t FetchDateHelper::read(moxDatabaseConnection::PreparedStatement const& statement) const;
+template <>
+std::shared_ptr<moxReadBlob> FetchBlobHelper::read(
+    moxDatabaseConnection::PreparedStatement const& statement) const;
+
 /// Leaves the field out.
 class FetchDummyHelper final : public FetchHelper {
  public:
