@@ -6,6 +6,7 @@ find_package(SQLite3 REQUIRED)
 find_package(fmt REQUIRED)
 find_package(nlohmann_json REQUIRED)
 find_package(pugixml REQUIRED)
+find_package(tomlplusplus REQUIRED)
 find_package(Threads REQUIRED)
 pkg_check_modules(MARIADB REQUIRED IMPORTED_TARGET libmariadb)
 
