@@ -1,0 +1,11 @@
+#include "module_parts.h"
+
+MODULE_ENTRY_POINT void const* moxPlugIn_ModuleVersion() {
+  return &parts::kSoundVersion;
+}
+MODULE_ENTRY_POINT int moxPlugIn_DoValidityCheck() {
+  return 1;
+}
+MODULE_ENTRY_POINT int moxPlugIn_RegisterClasses(moxPluginRegistry* registry) {
+  return parts::registerAll(*registry);
+}
