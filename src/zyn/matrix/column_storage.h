@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "mox/core/datetime.h"
+#include "zyn/matrix/large_allocator.h"
 #include "zyn/matrix/null_bits.h"
 #include "zyn/matrix/text_arena.h"
 #include "zyn/matrix/text_ref.h"
@@ -22,6 +23,7 @@ template <class T>
 class PlainValues {
  public:
   using Cell = T;
+  using Array = std::vector<T, LargeAllocator<T>>;
 
   void reserve(std::size_t rows) { cells_.reserve(rows); }
   void clear() { cells_.clear(); }
@@ -35,10 +37,10 @@ class PlainValues {
   Cell const* cells() const { return cells_.data(); }
 
   /// For engines that fill or rearrange the array as a whole; nulls must be kept in step.
-  std::vector<Cell>& array() { return cells_; }
+  Array& array() { return cells_; }
 
  private:
-  std::vector<T> cells_;
+  Array cells_;
 };
 
 /// The texts of a column: references of 16 bytes, and an arena for what does not fit in them. A
@@ -47,6 +49,7 @@ class PlainValues {
 class TextValues {
  public:
   using Cell = TextRef;
+  using Array = std::vector<TextRef, LargeAllocator<TextRef>>;
 
   void reserve(std::size_t rows) { cells_.reserve(rows); }
 
@@ -64,7 +67,7 @@ class TextValues {
   std::string read(std::size_t row) const { return std::string(cells_[row].view()); }
 
   Cell const* cells() const { return cells_.data(); }
-  std::vector<Cell>& array() { return cells_; }
+  Array& array() { return cells_; }
 
   TextArena& arena() { return arena_; }
   TextArena const& arena() const { return arena_; }
@@ -81,7 +84,7 @@ class TextValues {
   }
 
  private:
-  std::vector<TextRef> cells_;
+  Array cells_;
   TextArena arena_;
 };
 

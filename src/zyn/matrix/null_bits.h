@@ -32,6 +32,16 @@ class NullBits {
     words_.resize(wordsFor(size_), 0);
   }
 
+  /// Replaces all rows; `isNull(row)` tells each, and is asked in ascending order.
+  template <class IsNull>
+  void assign(std::size_t rows, IsNull isNull) {
+    words_.assign(wordsFor(rows), 0);
+    for (std::size_t row = 0; row < rows; ++row) {
+      words_[row / kBitsPerWord] |= std::uint64_t{isNull(row)} << (row % kBitsPerWord);
+    }
+    size_ = rows;
+  }
+
   bool test(std::size_t row) const {
     return (words_[row / kBitsPerWord] >> (row % kBitsPerWord)) & 1U;
   }

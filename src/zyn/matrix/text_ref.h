@@ -50,6 +50,23 @@ class TextRef {
     return toBigEnd(word);
   }
 
+  /// Eight bytes from `wordIndex` times eight on, likewise: with zeros past the end.
+  std::uint64_t word(unsigned int wordIndex) const {
+    std::uint64_t bytes = 0;
+    std::size_t const start = std::size_t{wordIndex} * sizeof bytes;
+    if (isInline() && wordIndex == 0) {
+      std::memcpy(&bytes, content_, sizeof bytes);
+    } else if (length_ >= start + sizeof bytes) {
+      std::memcpy(&bytes, data() + start, sizeof bytes);
+    } else if (length_ > start) {
+      std::memcpy(&bytes, data() + start, length_ - start);
+    }
+    if constexpr (std::endian::native == std::endian::little) {
+      return __builtin_bswap64(bytes);
+    }
+    return bytes;
+  }
+
   /// By bytes, as std::string::compare: negative, 0 or positive.
   static int compare(TextRef const& left, TextRef const& right) {
     std::uint32_t const leftPrefix = left.prefix();
