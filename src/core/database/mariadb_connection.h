@@ -33,6 +33,7 @@ class MariadbConnection : public PhysicalConnection, public std::enable_shared_f
   std::shared_ptr<moxDatabaseConnection::PreparedStatement> prepare(StatementScript script) override;
   void execute(std::string const& sql) override;
   void ensureUsable() override;
+  bool resetForReuse() override;
 
   // For the statements of this line.
 
@@ -47,7 +48,7 @@ class MariadbConnection : public PhysicalConnection, public std::enable_shared_f
   void setReader(MariadbStatement* reader) { reader_ = reader; }
 
   /// Counts the living statements: the line is not opened anew under them.
-  void enter() { ++livingStatements_; }
+  void enter();
 
   /// Takes a statement's handle over and closes it as soon as the line is free for it.
   void leave(MYSQL_STMT* handle) noexcept;
@@ -56,7 +57,8 @@ class MariadbConnection : public PhysicalConnection, public std::enable_shared_f
   void noteFailure(unsigned number) noexcept;
   bool isLost() const { return lost_; }
 
-  /// Notes what a statement leaves behind on the server that a new line would not have.
+  /// Notes what a statement leaves behind on the server that a new line would not have. `repeated` tells that it
+  /// is run again ahead of every use of what it sets.
   void noteSessionState(std::string const& sql, bool repeated);
 
   /// Throws the failure that the client library reports for the statement, or else for the line. Notes a lost
@@ -65,10 +67,14 @@ class MariadbConnection : public PhysicalConnection, public std::enable_shared_f
 
  private:
   void open();
+  void setOptions();
+  [[noreturn]] void failToOpen();
   void close() noexcept;
   void setUpSession();
   void closeLeft() noexcept;
   bool hasHungUp();
+  bool isInTransaction() const;
+  void dropRows(std::string const& sql);
   std::string queryText(std::string const& sql);
 
   DatabaseUrl url_;

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <cstdint>
+#include <cstring>
+#include <string>
+#include <string_view>
+
+#include "core/database/mariadb_field.h"
+#include "mox/core/datetime.h"
+
+namespace mox::core {
+
+/// Readings of a field's current value, which must not be null. A number out of a text is the longest prefix
+/// that is one; fractions are cut off; what is beyond 64 bits stands at the nearest limit; 32 bits wrap.
+std::int64_t readInt64Slow(MariadbField const& field);
+double readDoubleSlow(MariadbField const& field);
+datetime_t readMomentSlow(MariadbField const& field);
+
+/// The value as text, in `scratch` where it is no text already. Valid until either changes.
+std::string_view readTextSlow(MariadbField const& field, std::string& scratch);
+
+/// Seconds from 1970-01-01 of a moment that the server sent; the zero date and dates with a zero month or day
+/// are empty.
+datetime_t momentOf(MYSQL_TIME const& time);
+
+template <class Number>
+Number storedNumber(MariadbField const& field) {
+  Number value;
+  std::memcpy(&value, &field.number, sizeof value);
+  return value;
+}
+
+// The readings that the loops over whole blocks use: the usual case of each stands in line.
+
+inline std::int32_t readInt32(MariadbField const& field) {
+  if (field.kind == MariadbKind::kInt32) {
+    return storedNumber<std::int32_t>(field);
+  }
+  return static_cast<std::int32_t>(static_cast<std::uint32_t>(readInt64Slow(field)));
+}
+
+inline double readDouble(MariadbField const& field) {
+  return field.kind == MariadbKind::kDouble ? storedNumber<double>(field) : readDoubleSlow(field);
+}
+
+inline datetime_t readMoment(MariadbField const& field) {
+  return field.holdsTime() ? momentOf(field.time) : readMomentSlow(field);
+}
+
+inline std::string_view readText(MariadbField const& field, std::string& scratch) {
+  bool const isBytes = field.kind >= MariadbKind::kText || field.kind == MariadbKind::kDecimal;
+  return isBytes ? field.view() : readTextSlow(field, scratch);
+}
+
+}  // namespace mox::core
