@@ -50,10 +50,9 @@ class moxXMLNode {
   /// Takes away attributes, text and children; the name and the place in the document stay.
   virtual void clear() = 0;
 
-  /// Line and column of the element in the text that was read, from 1, columns counted in
-  /// characters; 0 for an element that was added, or got another name.
+  /// Line of the element's tag in the text that was read, from 1; 0 for an element that was added,
+  /// or got another name.
   virtual int line() const = 0;
-  virtual int column() const = 0;
 };
 
 /// An XML document. Registered as "moxXMLDocument"; born as create() leaves it. Belongs to one

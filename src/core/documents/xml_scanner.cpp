@@ -1,0 +1,340 @@
+#include "core/documents/xml_scanner.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <string>
+#include <unordered_set>
+#include <vector>
+
+#include "core/documents/document_error.h"
+#include "core/documents/utf8.h"
+#include "core/documents/xml_names.h"
+
+namespace mox::core {
+
+namespace {
+
+constexpr std::size_t kNowhere = std::string_view::npos;
+
+bool isForbidden(char c) {
+  return static_cast<unsigned char>(c) < 0x20 && !isXmlSpace(c);
+}
+
+/// Names may be as long as the document; messages show their beginning.
+std::string shown(std::string_view name) {
+  constexpr std::size_t kShown = 60;
+  if (name.size() <= kShown) {
+    return std::string(name);
+  }
+  std::size_t length = kShown;
+  while (length > 0 && (static_cast<unsigned char>(name[length]) & 0xC0) == 0x80) {
+    --length;
+  }
+  return std::string(name.substr(0, length)) + "...";
+}
+
+/// The names of one tag's attributes: a plain list while they are few, as they nearly always are.
+class AttributeNames {
+ public:
+  void clear() {
+    few_.clear();
+    many_.clear();
+  }
+
+  /// False when the name is there already.
+  bool add(std::string_view name) {
+    if (few_.size() < kFew) {
+      bool const isNew = std::find(few_.begin(), few_.end(), name) == few_.end();
+      few_.push_back(name);
+      return isNew;
+    }
+    if (many_.empty()) {
+      many_.insert(few_.begin(), few_.end());
+    }
+    return many_.insert(name).second;
+  }
+
+ private:
+  static constexpr std::size_t kFew = 16;
+
+  std::vector<std::string_view> few_;
+  std::unordered_set<std::string_view> many_;
+};
+
+class Scanner {
+ public:
+  explicit Scanner(std::string_view text) : text_(text) {}
+
+  void run() {
+    checkCharacters();
+    while (at_ < text_.size()) {
+      std::size_t const end = std::min(text_.find('<', at_), text_.size());
+      checkText(end);
+      at_ = end;
+      if (at_ < text_.size()) {
+        markup();
+      }
+    }
+    if (!open_.empty()) {
+      fail(open_.back().at, "the element <" + shown(open_.back().name) + "> is never closed");
+    }
+    if (!hasRoot_) {
+      fail(text_.size(), "there is no root element");
+    }
+  }
+
+ private:
+  struct OpenElement {
+    std::string_view name;
+    std::size_t at;  // of its "<"
+  };
+
+  [[noreturn]] void fail(std::size_t at, std::string const& what) const {
+    throw DocumentError("XML", positionAt(text_, at), what);
+  }
+
+  bool starts(std::string_view with) const { return text_.substr(at_).starts_with(with); }
+
+  char current() const { return at_ < text_.size() ? text_[at_] : '\0'; }
+
+  void checkCharacters() const {
+    if (text_.size() > kMaxXmlBytes) {
+      throw DocumentError("XML", "it is longer than " + std::to_string(kMaxXmlBytes) + " bytes");
+    }
+    std::size_t const invalid = findInvalidUtf8(text_);
+    if (invalid != kNowhere) {
+      fail(invalid, "the text is not valid in its encoding");
+    }
+    auto const control = std::find_if(text_.begin(), text_.end(), isForbidden);
+    if (control != text_.end()) {
+      fail(static_cast<std::size_t>(control - text_.begin()), "control characters are not allowed");
+    }
+  }
+
+  /// The text from here to `end`, between two tags.
+  void checkText(std::size_t end) const {
+    std::string_view const piece = text_.substr(at_, end - at_);
+    if (open_.empty()) {
+      auto const stray =
+          std::find_if_not(piece.begin(), piece.end(), [](char c) { return isXmlSpace(c); });
+      if (stray != piece.end()) {
+        fail(at_ + static_cast<std::size_t>(stray - piece.begin()),
+             "there is text outside the root element");
+      }
+    }
+    checkReferences(at_, end);
+  }
+
+  void checkReferences(std::size_t from, std::size_t to) const {
+    std::string_view const piece = text_.substr(0, to);
+    for (std::size_t at = piece.find('&', from); at != kNowhere; at = piece.find('&', at + 1)) {
+      checkReference(at, piece.substr(at + 1));
+    }
+  }
+
+  /// `rest` is what follows the "&" that stands at `at`.
+  void checkReference(std::size_t at, std::string_view rest) const {
+    for (std::string_view const known : {"amp;", "lt;", "gt;", "quot;", "apos;"}) {
+      if (rest.starts_with(known)) {
+        return;
+      }
+    }
+    if (!rest.starts_with("#")) {
+      fail(at, "entities are not allowed; a plain \"&\" is written &amp;");
+    }
+    bool const hexadecimal = rest.starts_with("#x");
+    if (!namesCharacter(rest.substr(hexadecimal ? 2 : 1), hexadecimal ? 16 : 10)) {
+      fail(at, "the character reference names no character");
+    }
+  }
+
+  /// Digits, then ";", for a character that a text can hold. Control characters are let pass: only
+  /// so can a value have them.
+  static bool namesCharacter(std::string_view digits, std::uint32_t base) {
+    constexpr std::uint32_t kBeyond = 0x110000;
+    std::uint32_t number = 0;
+    std::size_t i = 0;
+    for (; i < digits.size(); ++i) {
+      int const digit = digitOf(digits[i]);
+      if (digit < 0 || static_cast<std::uint32_t>(digit) >= base) {
+        break;
+      }
+      number = std::min(kBeyond, number * base + static_cast<std::uint32_t>(digit));
+    }
+    bool const surrogate = number >= 0xD800 && number < 0xE000;
+    return i > 0 && i < digits.size() && digits[i] == ';' && number > 0 && number < kBeyond &&
+           !surrogate;
+  }
+
+  static int digitOf(char c) {
+    if (c >= '0' && c <= '9') {
+      return c - '0';
+    }
+    char const lower = static_cast<char>(c | 0x20);
+    return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
+  }
+
+  void markup() {
+    if (starts("<!--")) {
+      skipPast("<!--", "-->", "the comment never ends");
+    } else if (starts("<![CDATA[") && !open_.empty()) {
+      skipPast("<![CDATA[", "]]>", "the CDATA section never ends");
+    } else if (starts("<?")) {
+      skipPast("<?", "?>", "the processing instruction never ends");
+    } else if (starts("<!DOCTYPE")) {
+      fail(at_, "a DOCTYPE is not allowed");
+    } else if (starts("<!")) {
+      fail(at_, "\"<!\" is not expected here");
+    } else if (starts("</")) {
+      endTag();
+    } else {
+      startTag();
+    }
+  }
+
+  void skipPast(std::string_view opening, std::string_view closing, char const* complaint) {
+    std::size_t const end = text_.find(closing, at_ + opening.size());
+    if (end == kNowhere) {
+      fail(at_, complaint);
+    }
+    at_ = end + closing.size();
+  }
+
+  void skipSpace() {
+    while (at_ < text_.size() && isXmlSpace(text_[at_])) {
+      ++at_;
+    }
+  }
+
+  std::string_view takeName(char const* complaint) {
+    std::size_t const start = at_;
+    if (!startsXmlName(current())) {
+      fail(start, complaint);
+    }
+    while (at_ < text_.size() && continuesXmlName(text_[at_])) {
+      ++at_;
+    }
+    return text_.substr(start, at_ - start);
+  }
+
+  void countPart(std::size_t at) {
+    if (++parts_ > kMaxXmlParts) {
+      fail(at, "there are more than " + std::to_string(kMaxXmlParts) + " elements and attributes");
+    }
+  }
+
+  void startTag() {
+    std::size_t const start = at_++;
+    std::string_view const name = takeName("an element name is expected behind \"<\"");
+    if (open_.empty() && hasRoot_) {
+      fail(start, "there is more than one root element");
+    }
+    if (open_.size() >= static_cast<std::size_t>(kMaxXmlDepth)) {
+      fail(start, "elements are nested deeper than " + std::to_string(kMaxXmlDepth));
+    }
+    countPart(start);
+    hasRoot_ = true;
+    bool const closesItself = attributes(start);
+    if (!closesItself) {
+      open_.push_back({name, start});
+    }
+  }
+
+  /// Up to and with the end of the tag that began at `start`; whether that was "/>".
+  bool attributes(std::size_t start) {
+    names_.clear();
+    for (;;) {
+      std::size_t const before = at_;
+      skipSpace();
+      if (at_ == text_.size()) {
+        fail(start, "the tag never ends");
+      }
+      if (starts(">")) {
+        ++at_;
+        return false;
+      }
+      if (starts("/>")) {
+        at_ += 2;
+        return true;
+      }
+      if (at_ == before) {
+        fail(at_, "white space, \">\" or \"/>\" is expected here");
+      }
+      attribute();
+    }
+  }
+
+  void attribute() {
+    std::size_t const start = at_;
+    std::string_view const name = takeName("an attribute name is expected here");
+    if (!names_.add(name)) {
+      fail(start, "the attribute \"" + shown(name) + "\" is written twice");
+    }
+    countPart(start);
+    skipSpace();
+    if (current() != '=') {
+      fail(at_, "\"=\" is expected behind the attribute name");
+    }
+    ++at_;
+    skipSpace();
+    attributeValue();
+  }
+
+  void attributeValue() {
+    char const quote = current();
+    if (quote != '"' && quote != '\'') {
+      fail(at_, "the attribute's value must stand in quotes");
+    }
+    std::size_t const start = at_ + 1;
+    std::size_t const end = text_.find(quote, start);
+    if (end == kNowhere) {
+      fail(at_, "the attribute's value never ends");
+    }
+    std::size_t const tag = text_.substr(0, end).find('<', start);
+    if (tag != kNowhere) {
+      fail(tag, "\"<\" is not allowed in an attribute's value; it is written &lt;");
+    }
+    checkReferences(start, end);
+    at_ = end + 1;
+  }
+
+  void endTag() {
+    std::size_t const start = at_;
+    at_ += 2;
+    std::string_view const name = takeName("an element name is expected behind \"</\"");
+    skipSpace();
+    if (current() != '>') {
+      fail(at_, "\">\" is expected here");
+    }
+    ++at_;
+    if (open_.empty()) {
+      fail(start, "</" + shown(name) + "> closes no element");
+    }
+    if (open_.back().name != name) {
+      failMismatch(start, name);
+    }
+    open_.pop_back();
+  }
+
+  [[noreturn]] void failMismatch(std::size_t at, std::string_view name) const {
+    OpenElement const& opened = open_.back();
+    fail(at, "</" + shown(name) + "> is found where </" + shown(opened.name) +
+                 "> is expected, for the element opened in line " +
+                 std::to_string(positionAt(text_, opened.at).line));
+  }
+
+  std::string_view text_;
+  std::size_t at_ = 0;
+  std::size_t parts_ = 0;
+  bool hasRoot_ = false;
+  std::vector<OpenElement> open_;
+  AttributeNames names_;
+};
+
+}  // namespace
+
+void checkXml(std::string_view text) {
+  Scanner(text).run();
+}
+
+}  // namespace mox::core

@@ -1,0 +1,167 @@
+#include "core/storage/z_compress.h"
+
+#include <zlib.h>
+
+#include <new>
+#include <string>
+#include <vector>
+
+#include "core/storage/blob.h"
+#include "mox/core/error.h"
+
+namespace mox::core {
+
+namespace {
+
+constexpr std::size_t kWindow = std::size_t{64} << 10;
+
+[[noreturn]] void fail(std::string message) {
+  throw moxDefaultErrorImpl<moxError>(std::move(message));
+}
+
+/// What both directions share: a window of input filled from a cursor, and output that grows by a
+/// window at a time, so that a bound is noticed before much is written beyond it.
+class Stream {
+ public:
+  explicit Stream(moxReadBlobCursor& source) : source_(source), input_(kWindow) {}
+
+  Stream(Stream const&) = delete;
+  Stream& operator=(Stream const&) = delete;
+
+  /// Makes input available when all was used; false when the source has ended.
+  bool refill() {
+    if (z_.avail_in == 0) {
+      z_.next_in = input_.data();
+      z_.avail_in = static_cast<uInt>(source_.read(input_.data(), input_.size()));
+    }
+    return z_.avail_in > 0;
+  }
+
+  void makeRoom() {
+    if (output_.size() == produced()) {
+      output_.resize(produced() + kWindow);
+    }
+    z_.next_out = reinterpret_cast<Bytef*>(output_.data()) + produced();
+    z_.avail_out = static_cast<uInt>(output_.size() - produced());
+  }
+
+  std::shared_ptr<moxBlob> takeOutput() {
+    output_.resize(produced());
+    return std::make_shared<Blob>(std::move(output_));
+  }
+
+  std::size_t consumed() const { return z_.total_in; }
+  std::size_t produced() const { return z_.total_out; }
+  z_stream& z() { return z_; }
+
+ private:
+  moxReadBlobCursor& source_;
+  std::vector<Bytef> input_;
+  std::string output_;
+  z_stream z_ = {};
+};
+
+class Deflater {
+ public:
+  explicit Deflater(moxReadBlobCursor& source) : stream_(source) {
+    if (deflateInit(&stream_.z(), Z_DEFAULT_COMPRESSION) != Z_OK) {
+      throw std::bad_alloc();
+    }
+  }
+  ~Deflater() { deflateEnd(&stream_.z()); }
+
+  Deflater(Deflater const&) = delete;
+  Deflater& operator=(Deflater const&) = delete;
+
+  std::shared_ptr<moxBlob> run() {
+    int status = Z_OK;
+    while (status != Z_STREAM_END) {
+      int const mode = stream_.refill() ? Z_NO_FLUSH : Z_FINISH;
+      stream_.makeRoom();
+      status = deflate(&stream_.z(), mode);
+    }
+    return stream_.takeOutput();
+  }
+
+ private:
+  Stream stream_;
+};
+
+class Inflater {
+ public:
+  Inflater(moxReadBlobCursor& source, ZCompress::Bounds const& bounds)
+      : stream_(source), bounds_(bounds) {
+    if (inflateInit(&stream_.z()) != Z_OK) {
+      throw std::bad_alloc();
+    }
+  }
+  ~Inflater() { inflateEnd(&stream_.z()); }
+
+  Inflater(Inflater const&) = delete;
+  Inflater& operator=(Inflater const&) = delete;
+
+  std::shared_ptr<moxBlob> run() {
+    while (step()) {
+      checkBounds();
+    }
+    checkBounds();
+    if (stream_.refill()) {
+      fail("The compressed data has further bytes behind its end.");
+    }
+    return stream_.takeOutput();
+  }
+
+ private:
+  /// False at the end of the stream.
+  bool step() {
+    // Without input there may still be output that found no room in the last step.
+    bool const hasInput = stream_.refill();
+    stream_.makeRoom();
+    int const status = inflate(&stream_.z(), Z_NO_FLUSH);
+    if (status == Z_OK || status == Z_STREAM_END) {
+      return status == Z_OK;
+    }
+    if (status == Z_MEM_ERROR) {
+      throw std::bad_alloc();
+    }
+    if (hasInput) {
+      fail("The compressed data is damaged.");
+    }
+    fail(stream_.consumed() == 0 ? "The compressed data is empty."
+                                 : "The compressed data ends too early.");
+  }
+
+  void checkBounds() const {
+    std::size_t const produced = stream_.produced();
+    if (produced > bounds_.maxBytes) {
+      fail("The compressed data grows beyond " + std::to_string(bounds_.maxBytes) + " bytes.");
+    }
+    if (produced > bounds_.ratioAppliesFrom && produced / bounds_.maxRatio > stream_.consumed()) {
+      fail("The compressed data grows beyond " + std::to_string(bounds_.maxRatio) +
+           " times its size.");
+    }
+  }
+
+  Stream stream_;
+  ZCompress::Bounds bounds_;
+};
+
+}  // namespace
+
+std::shared_ptr<moxBlob> ZCompress::compress(moxReadBlob const& plain) const {
+  return compress(*plain.openRead());
+}
+
+std::shared_ptr<moxBlob> ZCompress::compress(moxReadBlobCursor& plain) const {
+  return Deflater(plain).run();
+}
+
+std::shared_ptr<moxBlob> ZCompress::decompress(moxReadBlob const& compressed) const {
+  return decompress(*compressed.openRead());
+}
+
+std::shared_ptr<moxBlob> ZCompress::decompress(moxReadBlobCursor& compressed) const {
+  return Inflater(compressed, bounds_).run();
+}
+
+}  // namespace mox::core
