@@ -12,11 +12,12 @@
 
 namespace mox_test {
 
-/// A column that another module might bring: it keeps the contract and shares no code with the module's own, so
-/// that engines must read it through cursors. Its cells are plain optionals.
+/// A column that another module might bring: it keeps the contract and shares no code with the
+/// module's own, so that engines must read it through cursors. Its cells are plain optionals.
 template <moxDataMatrixTypes::Types kType>
-class ForeignColumn final : public moxDataMatrixTypedColumn<typename moxDataMatrixValue<kType>::Type>,
-                            public std::enable_shared_from_this<ForeignColumn<kType>> {
+class ForeignColumn final
+    : public moxDataMatrixTypedColumn<typename moxDataMatrixValue<kType>::Type>,
+      public std::enable_shared_from_this<ForeignColumn<kType>> {
  public:
   using T = typename moxDataMatrixValue<kType>::Type;
 
@@ -33,7 +34,9 @@ class ForeignColumn final : public moxDataMatrixTypedColumn<typename moxDataMatr
   std::string getName() const override { return columnName_; }
   void setName(std::string const& columnName) override { columnName_ = columnName; }
   void appendNull() override { cells_.emplace_back(); }
-  void setFormatter(std::shared_ptr<moxGenericFormatter const> formatter) override { formatter_ = formatter; }
+  void setFormatter(std::shared_ptr<moxGenericFormatter const> formatter) override {
+    formatter_ = formatter;
+  }
   std::shared_ptr<moxGenericFormatter const> getFormatter() const override { return formatter_; }
   void appendValue(T const& value) override { cells_.emplace_back(value); }
   T getValue(unsigned int row) const override { return isNull(row) ? T{} : *cells_[row]; }
@@ -61,9 +64,13 @@ class ForeignColumn<kType>::Cursor final : public moxIteratorBase<T> {
   bool goToEnd() override { return column_.numRows() != 0 && goTo(column_.numRows() - 1); }
   bool isNull() const override { return column_.isNull(row_); }
   moxDataMatrixTypes::Types getType() const override { return kType; }
-  std::shared_ptr<moxDataMatrixColumn> getParentColumn() const override { return column_.shared_from_this(); }
+  std::shared_ptr<moxDataMatrixColumn> getParentColumn() const override {
+    return column_.shared_from_this();
+  }
   std::shared_ptr<moxIterator> clone() const override { return std::make_shared<Cursor>(*this); }
-  bool equals(std::shared_ptr<moxIterator const> const& other) const override { return compare(other) == 0; }
+  bool equals(std::shared_ptr<moxIterator const> const& other) const override {
+    return compare(other) == 0;
+  }
   void set(std::shared_ptr<moxIterator const> const& other) override {
     auto const source = std::dynamic_pointer_cast<moxIteratorBase<T> const>(other);
     if (source && !atEnd()) {

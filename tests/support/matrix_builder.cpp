@@ -42,7 +42,9 @@ class TextBlob final : public moxReadBlob {
   std::string name() const override { return "testTextBlob"; }
   std::size_t size() const override { return bytes_.size(); }
   char const* data() const override { return bytes_.data(); }
-  std::unique_ptr<moxReadBlobCursor> openRead() const override { return std::make_unique<TextBlobCursor>(bytes_); }
+  std::unique_ptr<moxReadBlobCursor> openRead() const override {
+    return std::make_unique<TextBlobCursor>(bytes_);
+  }
 
  private:
   std::string bytes_;
@@ -80,8 +82,8 @@ struct CellText {
   std::string operator()(double value) const { return fmt::format("{}", value); }
   std::string operator()(std::string const& value) const { return '"' + value + '"'; }
   std::string operator()(datetime_t const& value) const {
-    return fmt::format("{:04}-{:02}-{:02} {:02}:{:02}:{:02}", value.year(), value.month(), value.day(), value.hour(),
-                       value.minute(), value.second());
+    return fmt::format("{:04}-{:02}-{:02} {:02}:{:02}:{:02}", value.year(), value.month(),
+                       value.day(), value.hour(), value.minute(), value.second());
   }
   std::string operator()(std::shared_ptr<moxReadBlob> const& value) const {
     return value ? "blob\"" + bytesOf(value) + '"' : "no blob";
@@ -93,7 +95,8 @@ struct SameCell {
   bool operator()(double left, double right) const {
     return left == right || (std::isnan(left) && std::isnan(right));
   }
-  bool operator()(std::shared_ptr<moxReadBlob> const& left, std::shared_ptr<moxReadBlob> const& right) const {
+  bool operator()(std::shared_ptr<moxReadBlob> const& left,
+                  std::shared_ptr<moxReadBlob> const& right) const {
     return !left == !right && bytesOf(left) == bytesOf(right);
   }
   template <class T>
@@ -113,7 +116,8 @@ class Differences {
     if (actual.columnCount() != expected.columnCount()) {
       add(fmt::format("{} columns, expected {}", actual.columnCount(), expected.columnCount()));
     }
-    for (unsigned int place = 0; place < std::min(actual.columnCount(), expected.columnCount()); ++place) {
+    for (unsigned int place = 0; place < std::min(actual.columnCount(), expected.columnCount());
+         ++place) {
       compareColumn(*actual.columnAt(place), *expected.columnAt(place), place);
     }
   }
@@ -133,13 +137,15 @@ class Differences {
     }
   }
 
-  void compareColumn(moxDataMatrixColumn const& actual, moxDataMatrixColumn const& expected, unsigned int place) {
+  void compareColumn(moxDataMatrixColumn const& actual, moxDataMatrixColumn const& expected,
+                     unsigned int place) {
     std::string const where = fmt::format("column {} \"{}\"", place, expected.getName());
     if (actual.getName() != expected.getName()) {
       add(fmt::format("{}: its name is \"{}\"", where, actual.getName()));
     }
     if (actual.getType() != expected.getType()) {
-      add(fmt::format("{}: {}, expected {}", where, nameOf(actual.getType()), nameOf(expected.getType())));
+      add(fmt::format("{}: {}, expected {}", where, nameOf(actual.getType()),
+                      nameOf(expected.getType())));
       return;
     }
     if (actual.numRows() != expected.numRows()) {
@@ -189,14 +195,17 @@ datetime_t moment(std::string const& text) {
   int hour = 0;
   int minute = 0;
   int second = 0;
-  int const read = std::sscanf(text.c_str(), "%d-%d-%d %d:%d:%d", &year, &month, &day, &hour, &minute, &second);
+  int const read =
+      std::sscanf(text.c_str(), "%d-%d-%d %d:%d:%d", &year, &month, &day, &hour, &minute, &second);
   if (read != 3 && read != 6) {
     throw std::invalid_argument("not a date: " + text);
   }
   return {day, month, year, hour, minute, second};
 }
 
-std::shared_ptr<moxReadBlob> blob(std::string bytes) { return std::make_shared<TextBlob>(std::move(bytes)); }
+std::shared_ptr<moxReadBlob> blob(std::string bytes) {
+  return std::make_shared<TextBlob>(std::move(bytes));
+}
 
 void append(moxDataMatrixColumn& column, Cell const& value) {
   std::visit(
@@ -211,7 +220,8 @@ void append(moxDataMatrixColumn& column, Cell const& value) {
 }
 
 std::shared_ptr<moxDataMatrixColumn> column(std::string const& name, Cells const& cells) {
-  auto made = application().get<moxDataMatrixColumn>(fmt::format("moxDataMatrix{}Column", nameOf(cells.type)));
+  auto made = application().get<moxDataMatrixColumn>(
+      fmt::format("moxDataMatrix{}Column", nameOf(cells.type)));
   made->setName(name);
   for (Cell const& value : cells.values) {
     append(*made, value);
@@ -252,8 +262,9 @@ std::string asText(moxDataMatrix const& matrix, unsigned int rowLimit) {
   std::vector<std::string> lines(shown + 1);
   for (unsigned int place = 0; place < matrix.columnCount(); ++place) {
     auto const texts = textsOf(*matrix.columnAt(place), shown);
-    auto const widest = std::max_element(texts.begin(), texts.end(),
-                                         [](auto const& left, auto const& right) { return left.size() < right.size(); });
+    auto const widest = std::max_element(
+        texts.begin(), texts.end(),
+        [](auto const& left, auto const& right) { return left.size() < right.size(); });
     for (std::size_t line = 0; line < lines.size(); ++line) {
       lines[line] += fmt::format("  {:<{}}", texts[line], widest->size());
     }
@@ -273,7 +284,8 @@ testing::AssertionResult sameMatrix(moxDataMatrix const& actual, moxDataMatrix c
                                      << asText(expected);
 }
 
-bool MatrixMatcher::MatchAndExplain(std::shared_ptr<moxDataMatrix const> const& actual, std::ostream* why) const {
+bool MatrixMatcher::MatchAndExplain(std::shared_ptr<moxDataMatrix const> const& actual,
+                                    std::ostream* why) const {
   if (!actual) {
     *why << "which is no matrix but an empty pointer";
     return false;
@@ -285,14 +297,20 @@ bool MatrixMatcher::MatchAndExplain(std::shared_ptr<moxDataMatrix const> const& 
   return static_cast<bool>(result);
 }
 
-void MatrixMatcher::DescribeTo(std::ostream* out) const { *out << "is the matrix\n" << asText(*expected_); }
+void MatrixMatcher::DescribeTo(std::ostream* out) const {
+  *out << "is the matrix\n" << asText(*expected_);
+}
 
 void MatrixMatcher::DescribeNegationTo(std::ostream* out) const {
   *out << "is not the matrix\n" << asText(*expected_);
 }
 
-MatrixMatcher isMatrix(std::vector<NamedCells> const& columns) { return MatrixMatcher(matrix(columns)); }
+MatrixMatcher isMatrix(std::vector<NamedCells> const& columns) {
+  return MatrixMatcher(matrix(columns));
+}
 
-MatrixMatcher isMatrix(std::shared_ptr<moxDataMatrix const> expected) { return MatrixMatcher(std::move(expected)); }
+MatrixMatcher isMatrix(std::shared_ptr<moxDataMatrix const> expected) {
+  return MatrixMatcher(std::move(expected));
+}
 
 }  // namespace mox_test

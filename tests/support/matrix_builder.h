@@ -53,9 +53,11 @@ template <class T, class Arg>
 Cell cell(Arg&& arg) {
   if constexpr (std::is_same_v<std::decay_t<Arg>, Null>) {
     return null;
-  } else if constexpr (std::is_same_v<T, datetime_t> && !std::is_same_v<std::decay_t<Arg>, datetime_t>) {
+  } else if constexpr (std::is_same_v<T, datetime_t> &&
+                       !std::is_same_v<std::decay_t<Arg>, datetime_t>) {
     return moment(std::forward<Arg>(arg));
-  } else if constexpr (std::is_same_v<T, std::shared_ptr<moxReadBlob>> && !std::is_convertible_v<Arg, T>) {
+  } else if constexpr (std::is_same_v<T, std::shared_ptr<moxReadBlob>> &&
+                       !std::is_convertible_v<Arg, T>) {
     return blob(std::forward<Arg>(arg));
   } else {
     return T(std::forward<Arg>(arg));
@@ -77,7 +79,8 @@ std::vector<Cell> cellsOf(std::vector<std::optional<T>> const& values) {
 
 template <class T, class... Args>
 std::vector<Cell> cells(Args&&... args) {
-  if constexpr ((sizeof...(Args) == 1) && (std::is_same_v<std::decay_t<Args>, std::vector<std::optional<T>>> && ...)) {
+  if constexpr ((sizeof...(Args) == 1) &&
+                (std::is_same_v<std::decay_t<Args>, std::vector<std::optional<T>>> && ...)) {
     return cellsOf<T>(args...);
   } else {
     return {cell<T>(std::forward<Args>(args))...};
@@ -86,8 +89,8 @@ std::vector<Cell> cells(Args&&... args) {
 
 }  // namespace detail
 
-/// Each takes its values one by one, `null` among them, or a vector of optionals. Dates are datetime_t or the text
-/// form of moment(); blobs are pointers or the text of their bytes.
+/// Each takes its values one by one, `null` among them, or a vector of optionals. Dates are
+/// datetime_t or the text form of moment(); blobs are pointers or the text of their bytes.
 template <class... Args>
 Cells ints(Args&&... args) {
   return {moxDataMatrixTypes::Int, detail::cells<int>(std::forward<Args>(args)...)};
@@ -106,7 +109,8 @@ Cells dates(Args&&... args) {
 }
 template <class... Args>
 Cells blobs(Args&&... args) {
-  return {moxDataMatrixTypes::Blob, detail::cells<std::shared_ptr<moxReadBlob>>(std::forward<Args>(args)...)};
+  return {moxDataMatrixTypes::Blob,
+          detail::cells<std::shared_ptr<moxReadBlob>>(std::forward<Args>(args)...)};
 }
 
 std::shared_ptr<moxDataMatrixColumn> column(std::string const& name, Cells const& cells);
@@ -120,18 +124,21 @@ void append(moxDataMatrixColumn& column, Cell const& value);
 /// The cell as the column's reader sees it; Null for a null and past the end.
 Cell cellAt(moxDataMatrixColumn const& column, unsigned int row);
 
-/// A table for people: names and kinds, then the rows of the longest column, at most `rowLimit` of them.
+/// A table for people: names and kinds, then the rows of the longest column, at most `rowLimit` of
+/// them.
 std::string asText(moxDataMatrix const& matrix, unsigned int rowLimit = 20);
 
-/// Kind by kind: names, types, lengths and cells; a NaN is the same as a NaN, blobs are compared by their bytes,
-/// formatters are not looked at. Says on failure which cells differ, and shows both tables.
+/// Kind by kind: names, types, lengths and cells; a NaN is the same as a NaN, blobs are compared by
+/// their bytes, formatters are not looked at. Says on failure which cells differ, and shows both
+/// tables.
 testing::AssertionResult sameMatrix(moxDataMatrix const& actual, moxDataMatrix const& expected);
 
 class MatrixMatcher {
  public:
   using is_gtest_matcher = void;
 
-  explicit MatrixMatcher(std::shared_ptr<moxDataMatrix const> expected) : expected_(std::move(expected)) {}
+  explicit MatrixMatcher(std::shared_ptr<moxDataMatrix const> expected)
+      : expected_(std::move(expected)) {}
 
   bool MatchAndExplain(std::shared_ptr<moxDataMatrix const> const& actual, std::ostream* why) const;
   void DescribeTo(std::ostream* out) const;

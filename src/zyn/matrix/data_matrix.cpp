@@ -17,7 +17,9 @@ std::shared_ptr<moxDataMatrixColumn> DataMatrix::columnOrEmpty(std::size_t index
   return index < columns_.size() ? columns_[index] : nullptr;
 }
 
-std::shared_ptr<moxDataMatrixColumn> DataMatrix::columnAt(unsigned int index) { return columnOrEmpty(index); }
+std::shared_ptr<moxDataMatrixColumn> DataMatrix::columnAt(unsigned int index) {
+  return columnOrEmpty(index);
+}
 
 std::shared_ptr<moxDataMatrixColumn const> DataMatrix::columnAt(unsigned int index) const {
   return columnOrEmpty(index);
@@ -27,11 +29,14 @@ std::shared_ptr<moxDataMatrixColumn> DataMatrix::columnByName(std::string const&
   return columnOrEmpty(static_cast<std::size_t>(getColumnIndexByName(columnName)));
 }
 
-std::shared_ptr<moxDataMatrixColumn const> DataMatrix::columnByName(std::string const& columnName) const {
+std::shared_ptr<moxDataMatrixColumn const> DataMatrix::columnByName(
+    std::string const& columnName) const {
   return columnOrEmpty(static_cast<std::size_t>(getColumnIndexByName(columnName)));
 }
 
-unsigned int DataMatrix::columnCount() const { return static_cast<unsigned int>(columns_.size()); }
+unsigned int DataMatrix::columnCount() const {
+  return static_cast<unsigned int>(columns_.size());
+}
 
 void DataMatrix::clearData() {
   for (auto const& column : columns_) {
@@ -89,7 +94,8 @@ void DataMatrix::orderColumnsByName(std::vector<std::string> const& columnNames)
 }
 
 int DataMatrix::getColumnIndexByName(std::string const& columnName) const {
-  auto const found = std::find_if(columns_.begin(), columns_.end(),
-                                  [&](auto const& column) { return column->getName() == columnName; });
+  auto const found = std::find_if(columns_.begin(), columns_.end(), [&](auto const& column) {
+    return column->getName() == columnName;
+  });
   return found == columns_.end() ? -1 : static_cast<int>(found - columns_.begin());
 }

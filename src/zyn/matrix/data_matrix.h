@@ -6,8 +6,9 @@
 
 #include "mox/zyn/matrix/data_matrix.h"
 
-/// The list of columns. Names are looked up by walking it: a table has tens of columns, and a column may be
-/// renamed at any time without the matrix being told, which no index over names would survive.
+/// The list of columns. Names are looked up by walking it: a table has tens of columns, and a
+/// column may be renamed at any time without the matrix being told, which no index over names would
+/// survive.
 class DataMatrix final : public moxDataMatrix {
  public:
   std::string name() const override { return "moxDataMatrix"; }
@@ -16,7 +17,8 @@ class DataMatrix final : public moxDataMatrix {
   std::shared_ptr<moxDataMatrixColumn> columnAt(unsigned int index) override;
   std::shared_ptr<moxDataMatrixColumn const> columnAt(unsigned int index) const override;
   std::shared_ptr<moxDataMatrixColumn> columnByName(std::string const& columnName) override;
-  std::shared_ptr<moxDataMatrixColumn const> columnByName(std::string const& columnName) const override;
+  std::shared_ptr<moxDataMatrixColumn const> columnByName(
+      std::string const& columnName) const override;
   unsigned int columnCount() const override;
   void clearData() override;
   unsigned int rowCount() const override;

@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 #include <type_traits>
+#include <utility>
 
 #include "zyn/matrix/common_column.h"
 #include "zyn/matrix/typed_iterator.h"
@@ -69,6 +70,13 @@ bool withStorage(moxDataMatrixColumn& column, Use&& use) {
       return typed(std::type_identity<std::shared_ptr<moxReadBlob>>{});
   }
   return false;
+}
+
+/// The same for a column that is only read.
+template <class Use>
+bool withStorage(moxDataMatrixColumn const& column, Use&& use) {
+  return withStorage(const_cast<moxDataMatrixColumn&>(column),
+                     [&]<class T>(ColumnStorage<T>& storage) { use(std::as_const(storage)); });
 }
 
 /// The registered name of the columns of a kind.

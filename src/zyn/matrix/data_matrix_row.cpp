@@ -37,7 +37,9 @@ void DataMatrixRow::addIterator(std::shared_ptr<moxIterator> iterator) {
   cursors_.push_back(std::move(iterator));
 }
 
-std::vector<std::shared_ptr<moxIterator>> DataMatrixRow::getIterators() { return cursors_; }
+std::vector<std::shared_ptr<moxIterator>> DataMatrixRow::getIterators() {
+  return cursors_;
+}
 
 std::vector<std::shared_ptr<moxIterator const>> DataMatrixRow::getIterators() const {
   return {cursors_.begin(), cursors_.end()};
@@ -51,7 +53,9 @@ std::shared_ptr<moxIterator const> DataMatrixRow::getIterator(unsigned int index
   return index < cursors_.size() ? cursors_[index] : nullptr;
 }
 
-unsigned int DataMatrixRow::totalIterators() const { return static_cast<unsigned int>(cursors_.size()); }
+unsigned int DataMatrixRow::totalIterators() const {
+  return static_cast<unsigned int>(cursors_.size());
+}
 
 void DataMatrixRow::removeIterator(std::shared_ptr<moxIterator> iterator) {
   auto const found = std::find(cursors_.begin(), cursors_.end(), iterator);
@@ -69,23 +73,27 @@ bool DataMatrixRow::next() {
   if (index_) {
     return index_->next();
   }
-  return std::all_of(cursors_.begin(), cursors_.end(), [](auto const& cursor) { return cursor->next(); });
+  return std::all_of(cursors_.begin(), cursors_.end(),
+                     [](auto const& cursor) { return cursor->next(); });
 }
 
 bool DataMatrixRow::previous() {
   if (index_) {
     return index_->previous();
   }
-  return std::all_of(cursors_.begin(), cursors_.end(), [](auto const& cursor) { return cursor->previous(); });
+  return std::all_of(cursors_.begin(), cursors_.end(),
+                     [](auto const& cursor) { return cursor->previous(); });
 }
 
 bool DataMatrixRow::goTo(unsigned int row) {
-  return std::all_of(cursors_.begin(), cursors_.end(), [row](auto const& cursor) { return cursor->goTo(row); });
+  return std::all_of(cursors_.begin(), cursors_.end(),
+                     [row](auto const& cursor) { return cursor->goTo(row); });
 }
 
 bool DataMatrixRow::goToEnd() {
   clearFilter();
-  return std::all_of(cursors_.begin(), cursors_.end(), [](auto const& cursor) { return cursor->goToEnd(); });
+  return std::all_of(cursors_.begin(), cursors_.end(),
+                     [](auto const& cursor) { return cursor->goToEnd(); });
 }
 
 std::size_t DataMatrixRow::placeOf(std::string const& columnName) const {
@@ -102,7 +110,8 @@ std::shared_ptr<moxIterator> DataMatrixRow::findIterator(std::string const& colu
   return getIterator(static_cast<unsigned int>(placeOf(columnName)));
 }
 
-std::shared_ptr<moxIterator const> DataMatrixRow::findIterator(std::string const& columnName) const {
+std::shared_ptr<moxIterator const> DataMatrixRow::findIterator(
+    std::string const& columnName) const {
   return getIterator(static_cast<unsigned int>(placeOf(columnName)));
 }
 
@@ -110,7 +119,8 @@ bool DataMatrixRow::atEnd() const {
   if (index_) {
     return index_->atEnd();
   }
-  return std::any_of(cursors_.begin(), cursors_.end(), [](auto const& cursor) { return cursor->atEnd(); });
+  return std::any_of(cursors_.begin(), cursors_.end(),
+                     [](auto const& cursor) { return cursor->atEnd(); });
 }
 
 std::shared_ptr<moxDataMatrixRow> DataMatrixRow::clone() const {
@@ -128,7 +138,8 @@ std::shared_ptr<moxDataMatrixRow> DataMatrixRow::clone() const {
 }
 
 void DataMatrixRow::copyFilterTo(DataMatrixRow& copy) const {
-  // In the order of the keys, not of the cursors: the index may only be kept for the order it was built in.
+  // In the order of the keys, not of the cursors: the index may only be kept for the order it was
+  // built in.
   for (auto const& key : filterKeys_) {
     auto const place = std::find(cursors_.begin(), cursors_.end(), key) - cursors_.begin();
     auto const own = copy.getIterator(static_cast<unsigned int>(place));
@@ -176,8 +187,8 @@ unsigned int DataMatrixRow::count() const {
   if (cursors_.empty()) {
     return 0;
   }
-  auto const shortest = std::min_element(cursors_.begin(), cursors_.end(), [](auto const& left, auto const& right) {
-    return left->count() < right->count();
-  });
+  auto const shortest = std::min_element(
+      cursors_.begin(), cursors_.end(),
+      [](auto const& left, auto const& right) { return left->count() < right->count(); });
   return (*shortest)->count();
 }

@@ -7,8 +7,10 @@
 #include "mox/zyn/matrix/data_matrix_column.h"
 #include "mox/zyn/matrix/data_matrix_row.h"
 
-/// The cursors that move in step and, while a filter is in force, the index that says where they go.
-class DataMatrixRow final : public moxDataMatrixRow, public std::enable_shared_from_this<DataMatrixRow> {
+/// The cursors that move in step and, while a filter is in force, the index that says where they
+/// go.
+class DataMatrixRow final : public moxDataMatrixRow,
+                            public std::enable_shared_from_this<DataMatrixRow> {
  public:
   class Index;
 
@@ -48,14 +50,14 @@ class DataMatrixRow final : public moxDataMatrixRow, public std::enable_shared_f
 
   std::vector<std::shared_ptr<moxIterator>> cursors_;
 
-  /// The column of each cursor, kept alive: a cursor does not own its column, and a matrix may drop one while
-  /// somebody still holds a row of it. Empty for a column that no shared_ptr holds.
+  /// The column of each cursor, kept alive: a cursor does not own its column, and a matrix may drop
+  /// one while somebody still holds a row of it. Empty for a column that no shared_ptr holds.
   std::vector<std::shared_ptr<moxDataMatrixColumn>> columns_;
 
   std::vector<std::shared_ptr<moxIterator>> filterKeys_;  // empty without a filter
   std::unique_ptr<Index> index_;                          // null without a filter
 };
 
-/// The column of a cursor, to be held beside it; empty for a column that no shared_ptr holds, whose owner answers
-/// for its life himself.
+/// The column of a cursor, to be held beside it; empty for a column that no shared_ptr holds, whose
+/// owner answers for its life himself.
 std::shared_ptr<moxDataMatrixColumn> columnToKeep(moxIterator const& cursor);

@@ -10,6 +10,9 @@ constexpr std::size_t kLargestChunk = std::size_t{1} << 20;
 }  // namespace
 
 void TextArena::share(TextArena const& other) {
+  if (&other == this) {
+    return;
+  }
   chunks_.insert(chunks_.end(), other.chunks_.begin(), other.chunks_.end());
 }
 

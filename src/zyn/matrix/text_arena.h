@@ -10,6 +10,12 @@
 /// copying them.
 class TextArena {
  public:
+  TextArena() = default;
+
+  /// A copy would write its next text where the original does; share() is what is meant instead.
+  TextArena(TextArena const&) = delete;
+  TextArena& operator=(TextArena const&) = delete;
+
   /// Copies the bytes and gives their new place. Throws std::bad_alloc.
   char const* store(std::string_view bytes) {
     if (bytes.size() > room_) {
@@ -22,7 +28,8 @@ class TextArena {
     return place;
   }
 
-  /// Keeps the other arena's bytes alive for as long as this one lives.
+  /// Keeps the other arena's bytes alive until this one is cleared or dies; what the other adds
+  /// later is not covered.
   void share(TextArena const& other);
 
   /// Lets go of all bytes; those that another arena shares live on there.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <memory>
 #include <string>
 #include <typeinfo>
@@ -28,10 +29,11 @@ class moxTypedIterator final : public moxIteratorBase<T> {
   }
 
   bool previous() override {
-    if (row_ == 0) {
+    unsigned int const here = pos();
+    if (here == 0) {
       return false;
     }
-    --row_;
+    row_ = here - 1;
     return true;
   }
 
@@ -51,7 +53,7 @@ class moxTypedIterator final : public moxIteratorBase<T> {
     return true;
   }
 
-  bool isNull() const override { return column_->isNull(row_); }
+  bool isNull() const override { return atEnd() || storage().nulls.test(row_); }
   moxDataMatrixTypes::Types getType() const override { return column_->getType(); }
   std::shared_ptr<moxDataMatrixColumn> getParentColumn() const override {
     return column_->shared_from_this();
@@ -78,35 +80,42 @@ class moxTypedIterator final : public moxIteratorBase<T> {
 
   void set(T const& value) override {
     if (!atEnd()) {
-      column_->storage().values.assign(row_, value);
-      column_->storage().nulls.reset(row_);
+      storage().values.assign(row_, value);
+      storage().nulls.reset(row_);
     }
   }
 
-  T get() const override { return column_->getValue(row_); }
+  T get() const override { return isNull() ? T{} : storage().values.read(row_); }
   bool atEnd() const override { return row_ >= size(); }
 
   int compare(std::shared_ptr<moxIterator const> const& other) const override {
-    if (auto const* const own = dynamic_cast<moxTypedIterator const*>(other.get())) {
-      return compareOwn(*own);
-    }
     if (!other) {
       throw std::bad_cast();
     }
-    return compareForeign(dynamic_cast<moxIteratorBase<T> const&>(*other));
+    // The very class is asked for first: a comparison of types costs far less than a cast that
+    // searches the class tree, and an index compares once a level for each look-up.
+    moxIterator const& cursor = *other;
+    if (typeid(cursor) == typeid(moxTypedIterator)) {
+      return compareOwn(static_cast<moxTypedIterator const&>(cursor));
+    }
+    return compareForeign(dynamic_cast<moxIteratorBase<T> const&>(cursor));
   }
 
-  unsigned int pos() const override { return row_; }
+  unsigned int pos() const override { return std::min(row_, size()); }
   unsigned int count() const override { return atEnd() ? 0 : size() - row_; }
+
+  /// The column, for engines that go on with its storage.
+  CommonColumn<T>& column() const { return *column_; }
 
   void setNull() override {
     if (!atEnd()) {
-      column_->storage().nulls.set(row_);
+      storage().nulls.set(row_);
     }
   }
 
  private:
-  unsigned int size() const { return column_->numRows(); }
+  ColumnStorage<T>& storage() const { return column_->storage(); }
+  unsigned int size() const { return static_cast<unsigned int>(storage().size()); }
 
   static int compareNulls(bool left, bool right) {
     return static_cast<int>(right) - static_cast<int>(left);
@@ -130,10 +139,8 @@ class moxTypedIterator final : public moxIteratorBase<T> {
     return compareCells(get(), other.get());
   }
 
-  typename ColumnStorage<T>::Cell const& cell() const {
-    return column_->storage().values.cells()[row_];
-  }
+  typename ColumnStorage<T>::Cell const& cell() const { return storage().values.cells()[row_]; }
 
   CommonColumn<T>* column_;
-  unsigned int row_;
+  unsigned int row_;  // past the last row of a column that was cleared meanwhile
 };

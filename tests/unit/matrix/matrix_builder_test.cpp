@@ -31,7 +31,8 @@ TEST(MatrixBuilder, ComparisonSaysWhichCellDiffers) {
   auto const result = sameMatrix(*matrix({{"k", ints(1, 2)}}), *matrix({{"k", ints(1, null)}}));
 
   EXPECT_FALSE(result);
-  EXPECT_THAT(result.message(), testing::StartsWith("column 0 \"k\", row 1: 2, expected null\nactual:\n"));
+  EXPECT_THAT(result.message(),
+              testing::StartsWith("column 0 \"k\", row 1: 2, expected null\nactual:\n"));
 }
 
 TEST(MatrixBuilder, ComparisonSeesNamesKindsLengthsAndColumns) {
