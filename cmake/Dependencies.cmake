@@ -12,4 +12,5 @@ pkg_check_modules(MARIADB REQUIRED IMPORTED_TARGET libmariadb)
 
 if(MOX_BUILD_TESTS)
   find_package(GTest REQUIRED)
+  find_package(rapidcheck REQUIRED)
 endif()

@@ -4,12 +4,14 @@ namespace mox::core {
 
 namespace {
 
-constexpr std::int64_t kDaysPerEra = 146097;    // 400 years
-constexpr std::int64_t kDaysToEpoch = 719468;   // from 1 March 0 to 1 January 1970
+constexpr std::int64_t kDaysPerEra = 146097;   // 400 years
+constexpr std::int64_t kDaysToEpoch = 719468;  // from 1 March 0 to 1 January 1970
 
-// Years are counted from March, so that the leap day is the last of its year and month lengths follow one
-// line: the days before the n-th month are (153 n + 2) / 5.
-std::int64_t daysBeforeMonth(std::int64_t monthFromMarch) noexcept { return (153 * monthFromMarch + 2) / 5; }
+// Years are counted from March, so that the leap day is the last of its year and month lengths
+// follow one line: the days before the n-th month are (153 n + 2) / 5.
+std::int64_t daysBeforeMonth(std::int64_t monthFromMarch) noexcept {
+  return (153 * monthFromMarch + 2) / 5;
+}
 
 std::int64_t daysBeforeYear(std::int64_t yearOfEra) noexcept {
   return 365 * yearOfEra + yearOfEra / 4 - yearOfEra / 100;

@@ -15,8 +15,8 @@ datetime_t systemNow() {
   if (localtime_r(&seconds, &local) == nullptr) {
     return {};
   }
-  return {local.tm_mday, local.tm_mon + 1,  local.tm_year + 1900,
-          local.tm_hour, local.tm_min, local.tm_sec};
+  return {local.tm_mday, local.tm_mon + 1, local.tm_year + 1900,
+          local.tm_hour, local.tm_min,     local.tm_sec};
 }
 
 struct ClockHolder {
@@ -42,7 +42,8 @@ void setClock(Clock clock) {
   holder().clock.swap(replacement);
 }
 
-// The clock runs outside the lock: one that blocks or asks for the time itself must not hold up the others.
+// The clock runs outside the lock: one that blocks or asks for the time itself must not hold up the
+// others.
 datetime_t now() {
   auto const clock = currentClock();
   return clock ? (*clock)() : systemNow();

@@ -15,7 +15,8 @@ std::int32_t daysOrEmpty(core::CivilDay const& civil, std::int32_t empty) noexce
 
 }  // namespace
 
-date_t::date_t(int day, int month, int year) noexcept : days_(daysOrEmpty({day, month, year}, kEmpty)) {}
+date_t::date_t(int day, int month, int year) noexcept
+    : days_(daysOrEmpty({day, month, year}, kEmpty)) {}
 
 date_t::date_t(datetime_t const& moment) noexcept {
   if (moment) {
@@ -23,7 +24,9 @@ date_t::date_t(datetime_t const& moment) noexcept {
   }
 }
 
-date_t date_t::currdate() { return date_t(core::now()); }
+date_t date_t::currdate() {
+  return date_t(core::now());
+}
 
 void date_t::adjust(int days, int months, int years) noexcept {
   if (!*this) {
@@ -33,12 +36,22 @@ void date_t::adjust(int days, int months, int years) noexcept {
   days_ = daysOrEmpty({civil.day + days, civil.month + months, civil.year + years}, kEmpty);
 }
 
-int date_t::day() const noexcept { return *this ? static_cast<int>(core::civilFromDays(days_).day) : 0; }
-int date_t::month() const noexcept { return *this ? static_cast<int>(core::civilFromDays(days_).month) : 0; }
-int date_t::year() const noexcept { return *this ? static_cast<int>(core::civilFromDays(days_).year) : 0; }
-int date_t::dow() const noexcept { return *this ? core::dayOfWeek(days_) : 0; }
+int date_t::day() const noexcept {
+  return *this ? static_cast<int>(core::civilFromDays(days_).day) : 0;
+}
+int date_t::month() const noexcept {
+  return *this ? static_cast<int>(core::civilFromDays(days_).month) : 0;
+}
+int date_t::year() const noexcept {
+  return *this ? static_cast<int>(core::civilFromDays(days_).year) : 0;
+}
+int date_t::dow() const noexcept {
+  return *this ? core::dayOfWeek(days_) : 0;
+}
 
-std::optional<std::tm> date_t::asTM() const noexcept { return datetime_t(*this).asTM(); }
+std::optional<std::tm> date_t::asTM() const noexcept {
+  return datetime_t(*this).asTM();
+}
 
 std::time_t date_t::asTime_t() const noexcept {
   return *this ? days_ * core::kSecondsPerDay : std::numeric_limits<std::time_t>::min();

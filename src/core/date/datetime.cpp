@@ -28,7 +28,8 @@ datetime_t::datetime_t(int day, int month, int year, int hour, int minute, int s
     return;
   }
   std::int64_t const time = std::int64_t{hour} * 3600 + std::int64_t{minute} * 60 + second;
-  seconds_ = inRangeOr(core::daysFromCivil({day, month, year}) * core::kSecondsPerDay + time, kEmpty);
+  seconds_ =
+      inRangeOr(core::daysFromCivil({day, month, year}) * core::kSecondsPerDay + time, kEmpty);
 }
 
 datetime_t::datetime_t(date_t const& date) noexcept
@@ -45,25 +46,36 @@ void datetime_t::adjust(int days, int months, int years) noexcept {
     return;
   }
   auto const civil = civilOf(seconds_);
-  auto const day = core::daysFromCivil({civil.day + days, civil.month + months, civil.year + years});
+  auto const day =
+      core::daysFromCivil({civil.day + days, civil.month + months, civil.year + years});
   seconds_ = inRangeOr(day * core::kSecondsPerDay + secondOfDay(seconds_), kEmpty);
 }
 
-int datetime_t::day() const noexcept { return *this ? static_cast<int>(civilOf(seconds_).day) : 0; }
-int datetime_t::month() const noexcept { return *this ? static_cast<int>(civilOf(seconds_).month) : 0; }
-int datetime_t::year() const noexcept { return *this ? static_cast<int>(civilOf(seconds_).year) : 0; }
+int datetime_t::day() const noexcept {
+  return *this ? static_cast<int>(civilOf(seconds_).day) : 0;
+}
+int datetime_t::month() const noexcept {
+  return *this ? static_cast<int>(civilOf(seconds_).month) : 0;
+}
+int datetime_t::year() const noexcept {
+  return *this ? static_cast<int>(civilOf(seconds_).year) : 0;
+}
 
 int datetime_t::dow() const noexcept {
   return *this ? core::dayOfWeek(core::floorDiv(seconds_, core::kSecondsPerDay)) : 0;
 }
 
-int datetime_t::hour() const noexcept { return *this ? static_cast<int>(secondOfDay(seconds_) / 3600) : 0; }
+int datetime_t::hour() const noexcept {
+  return *this ? static_cast<int>(secondOfDay(seconds_) / 3600) : 0;
+}
 
 int datetime_t::minute() const noexcept {
   return *this ? static_cast<int>(secondOfDay(seconds_) / 60 % 60) : 0;
 }
 
-int datetime_t::second() const noexcept { return *this ? static_cast<int>(secondOfDay(seconds_) % 60) : 0; }
+int datetime_t::second() const noexcept {
+  return *this ? static_cast<int>(secondOfDay(seconds_) % 60) : 0;
+}
 
 std::optional<std::tm> datetime_t::asTM() const noexcept {
   if (!*this) {
