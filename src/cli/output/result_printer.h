@@ -1,0 +1,43 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <limits>
+#include <memory>
+
+#include "cli/output/output_options.h"
+#include "cli/output/output_target.h"
+
+class moxDataMatrix;
+
+namespace mox::cli {
+
+/// Writes one result in the form and to the place that the user asked for, and tells its size on
+/// standard error when people read along. Made ahead of the work, so that a place that cannot be
+/// written is found before a long query and not after it.
+class ResultPrinter {
+ public:
+  static constexpr unsigned int kAllRows = std::numeric_limits<unsigned int>::max();
+
+  /// Throws moxError when the place cannot be written.
+  ResultPrinter(OutputOptions const& options, bool quiet);
+
+  /// Whether the result goes to a terminal.
+  bool toTerminal() const { return target_->isTerminal(); }
+
+  /// Writes the first `rowLimit` rows. `onRows` is told how many are written. Called once.
+  void print(moxDataMatrix const& matrix, unsigned int rowLimit = kAllRows,
+             std::function<void(std::int64_t)> onRows = {});
+
+  /// Writes the line about the result, if there is one, to standard error. Called last: by then
+  /// nothing else may be written there.
+  void tell() const;
+
+ private:
+  std::unique_ptr<OutputTarget> target_;
+  std::string format_;
+  bool quiet_;
+  std::string summary_;
+};
+
+}  // namespace mox::cli

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "mox/zyn/matrix/data_matrix.h"
+
+namespace mox::cli {
+
+/// What a writer writes: the first rows of a matrix. Holds the columns, not the matrix.
+struct ResultTable {
+  std::vector<std::shared_ptr<moxDataMatrixColumn const>> columns;
+  unsigned int rowCount = 0;
+  std::function<void(std::int64_t rowsWritten)> onRows;  // told now and then; may be empty
+
+  /// Tells `onRows`, often enough for an eye and seldom enough to cost nothing.
+  void rowWritten(unsigned int row) const {
+    constexpr unsigned int kStep = 4096;
+    if (row % kStep == kStep - 1 && onRows) {
+      onRows(row + 1);
+    }
+  }
+};
+
+}  // namespace mox::cli

@@ -1,0 +1,140 @@
+#include "cli/program.h"
+
+#include <csignal>
+#include <cstdio>
+#include <limits>
+#include <string>
+#include <vector>
+
+#include <fmt/format.h>
+#include <CLI/CLI.hpp>
+
+#include "cli/commands/commands.h"
+#include "cli/error_text.h"
+#include "cli/global_options.h"
+#include "cli/output/output_target.h"
+#include "mox/core/error.h"
+
+namespace mox::cli {
+
+namespace {
+
+constexpr int kFailed = 1;
+constexpr int kBadUsage = 2;
+constexpr int kHelpColumn = 34;
+
+constexpr char const* kDescription =
+    "Asks a database through the zyn module and prints what it answers.\n";
+constexpr char const* kFooter =
+    "\nThe global options may also stand behind the command. Settings are read from the file given "
+    "by --config or\n"
+    "by ZYN_CONFIG, else from zyn.toml in the working directory, else from /etc/zyn/zyn.toml.\n"
+    "Exit status: 0 done, 1 failed (one line on standard error says why), 2 called wrongly.";
+
+/// The line's one write keeps it whole beside the output of other programs.
+void reportFailure(std::string const& line) {
+  std::string const text = "zyn: " + line + "\n";
+  std::fwrite(text.data(), 1, text.size(), stderr);
+}
+
+void printOut(std::string const& text) {
+  auto const target = openStandardOutput();
+  target->write(text);
+  target->commit();
+}
+
+/// The command line and what was read from it.
+class Program {
+ public:
+  Program() : parser_(kDescription, "zyn") {
+    parser_.set_help_flag("-h,--help", "Print this help and exit");
+    parser_.set_version_flag("--version", "zyn " ZYN_VERSION, "Print the version and exit");
+    parser_.footer(kFooter);
+    parser_.get_formatter()->column_width(kHelpColumn);
+    parser_.require_subcommand(0, 1);
+    parser_.fallthrough();
+    addGlobalOptions();
+    commands_ = {addClassesCommand(parser_), addSqlCommand(parser_)};
+    for (auto const& command : commands_) {
+      command.parser->footer(command.parser->get_footer() +
+                             "\nSee zyn --help for the global options.");
+    }
+  }
+
+  int run(int argc, char const* const* argv) {
+    try {
+      parser_.parse(argc, argv);
+    } catch (CLI::CallForHelp const&) {
+      printOut(parser_.help());
+      return 0;
+    } catch (CLI::CallForVersion const& version) {
+      printOut(std::string(version.what()) + "\n");
+      return 0;
+    } catch (CLI::ParseError const& error) {
+      throw UsageError(error.what());
+    }
+    return runChosen();
+  }
+
+  /// How to call for help on what was asked: "zyn sql --help".
+  std::string helpCall() const {
+    auto const chosen = parser_.get_subcommands();
+    return chosen.empty() ? "zyn --help" : "zyn " + chosen.front()->get_name() + " --help";
+  }
+
+ private:
+  void addGlobalOptions() {
+    parser_.add_option("--config", options_.config, "Read the settings from FILE")
+        ->type_name("FILE");
+    parser_
+        .add_option("--user", options_.user,
+                    "Log in as the user NAME of the settings or the database")
+        ->type_name("NAME");
+    parser_.add_option("--unit", options_.units, "Work for the business unit ID; may be repeated")
+        ->type_name("ID")
+        ->allow_extra_args(false)
+        ->check(CLI::Range(1, std::numeric_limits<int>::max()));
+    parser_.add_flag("--quiet", options_.quiet, "Print neither progress nor row counts");
+  }
+
+  int runChosen() {
+    for (auto const& command : commands_) {
+      if (command.parser->parsed()) {
+        command.run(options_);
+        return 0;
+      }
+    }
+    std::string const help = parser_.help();
+    std::fwrite(help.data(), 1, help.size(), stderr);
+    return kBadUsage;
+  }
+
+  CLI::App parser_;
+  GlobalOptions options_;
+  std::vector<Command> commands_;
+};
+
+int runGuarded(Program& program, int argc, char const* const* argv) {
+  try {
+    return program.run(argc, argv);
+  } catch (UsageError const& error) {
+    reportFailure(fmt::format("{} (see {})", errorLine(error), program.helpCall()));
+    return kBadUsage;
+  } catch (moxError const& error) {
+    reportFailure(errorLine(error));
+  } catch (std::exception const& error) {
+    reportFailure(errorLine(error));
+  }
+  return kFailed;
+}
+
+}  // namespace
+
+int runProgram(int argc, char const* const* argv) {
+  // A database server or a reader that goes away shall be an error that is told, not a sudden end.
+  std::signal(SIGPIPE, SIG_IGN);
+  Program program;
+  return runGuarded(program, argc, argv);
+}
+
+}  // namespace mox::cli
