@@ -15,6 +15,8 @@
 #include "mox/core/error.h"
 #include "mox/core/row_block_reader.h"
 
+namespace mox_test {
+
 namespace {
 
 using FieldType = moxDatabaseConnection::FieldType;
@@ -246,3 +248,5 @@ std::shared_ptr<moxDatabaseConnection::PreparedStatement> FakeDatabase::prepareF
 void FakeDatabase::execute(std::string const& sql) {
   prepare(sql, "", "where")->execute();
 }
+
+}  // namespace mox_test

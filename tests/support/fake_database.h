@@ -10,6 +10,8 @@
 
 #include "mox/core/database_connection.h"
 
+namespace mox_test {
+
 /// One cell of a fake result; the first kind is a null. Readings of another kind than the cell's
 /// convert numbers and give the empty value otherwise.
 using FakeCell = std::variant<std::monostate, int, double, std::string, datetime_t>;
@@ -81,3 +83,5 @@ class FakeDatabase final : public moxDatabaseConnection {
  private:
   std::shared_ptr<Log> log_ = std::make_shared<Log>();
 };
+
+}  // namespace mox_test

@@ -76,7 +76,7 @@ class StorageSink : public BlockSink {
   ~StorageSink() override { cells().resize(committed()); }
 
  protected:
-  std::vector<typename ColumnStorage<T>::Cell>& cells() { return storage_.values.array(); }
+  auto& cells() { return storage_.values.array(); }
   std::size_t committed() const { return storage_.nulls.size(); }
 
   /// The cells behind the committed ones, all with the value that stands under a null.

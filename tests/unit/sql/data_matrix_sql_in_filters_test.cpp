@@ -7,6 +7,8 @@
 
 #include "unit/sql/filter_binds.h"
 
+namespace mox_test {
+
 namespace {
 
 TEST(IntegerInFilter, KeepsEachValueOnceAndBindsInAscendingOrder) {
@@ -146,3 +148,5 @@ TEST(InFilters, AreCalledAsTheyAreRegistered) {
 }
 
 }  // namespace
+
+}  // namespace mox_test

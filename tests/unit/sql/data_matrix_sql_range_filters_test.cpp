@@ -4,6 +4,8 @@
 
 #include "unit/sql/filter_binds.h"
 
+namespace mox_test {
+
 namespace {
 
 date_t const kFirst(1, 3, 2024);
@@ -134,3 +136,5 @@ TEST(RangeFilters, AreCalledAsTheyAreRegistered) {
 }
 
 }  // namespace
+
+}  // namespace mox_test

@@ -4,6 +4,8 @@
 
 #include "unit/sql/filter_binds.h"
 
+namespace mox_test {
+
 namespace {
 
 TEST(IntegerUniqueFilter, TestsTheColumnOfItsTable) {
@@ -214,3 +216,5 @@ TEST(UniqueFilters, AreCalledAsTheyAreRegistered) {
 }
 
 }  // namespace
+
+}  // namespace mox_test

@@ -6,6 +6,8 @@
 #include "mox/zyn/sql/data_matrix_sql_filter.h"
 #include "support/fake_database.h"
 
+namespace mox_test {
+
 /// What a filter binds to a statement, the first value at `firstPosition`, in the words of
 /// FakeDatabase::binds; the counter that it leaves behind comes last: "counter 2".
 inline std::vector<std::string> bindsOf(moxDataMatrixSQLFilter const& filter,
@@ -20,3 +22,5 @@ inline std::vector<std::string> bindsOf(moxDataMatrixSQLFilter const& filter,
 }
 
 using Binds = std::vector<std::string>;
+
+}  // namespace mox_test

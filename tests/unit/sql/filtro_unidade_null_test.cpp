@@ -4,6 +4,8 @@
 
 #include "unit/sql/filter_binds.h"
 
+namespace mox_test {
+
 namespace {
 
 TEST(FiltroUnidadeNull, RowsOfNoUnitPassWhenTheyMay) {
@@ -42,3 +44,5 @@ TEST(FiltroUnidadeNull, NamesTheColumnItRestricts) {
 }
 
 }  // namespace
+
+}  // namespace mox_test
