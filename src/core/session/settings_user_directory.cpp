@@ -26,13 +26,13 @@ class UserReader {
     User user;
     user.login = login_;
     user.name = text("name", login_);
-    user.id = integer("id", text("id", ""));
-    user.defaultUnit = integer("default_unit", text("default_unit", "0"));
+    user.id = integer("id", text("id", ""), "id = 7");
+    user.defaultUnit = integer("default_unit", text("default_unit", "0"), "default_unit = 3");
     user.worksByUnits = text("works_by_units", "false") == "true";
     user.student = text("student", "false") == "true";
-    int const headOffice = integer("head_office", text("head_office", "0"));
+    int const headOffice = integer("head_office", text("head_office", "0"), "head_office = 1");
     for (auto const& unit : elements("units")) {
-      user.units.push_back({integer("units", unit), headOffice});
+      user.units.push_back({integer("units", unit, "units = [3, 4]"), headOffice});
     }
     for (auto& library : elements("libraries")) {
       user.libraries.insert(std::move(library));
@@ -58,14 +58,14 @@ class UserReader {
     return lines;
   }
 
-  int integer(char const* key, std::string const& value) const {
+  int integer(char const* key, std::string const& value, char const* example) const {
     int number = 0;
     auto const result = std::from_chars(value.data(), value.data() + value.size(), number);
     if (result.ec != std::errc() || result.ptr != value.data() + value.size()) {
-      throw moxDefaultErrorImpl<moxError>(
-          fmt::format("user '{}' in the settings needs '{}' as a whole number of 32 bits; write "
-                      "for example {} = 7",
-                      login_, key, key));
+      throw moxDefaultErrorImpl<moxError>(fmt::format(
+          "user '{}' in the settings needs '{}' as a whole number of 32 bits; write for "
+          "example {}",
+          login_, key, example));
     }
     return number;
   }

@@ -17,14 +17,14 @@ struct UserUnit {
 /// A user as a directory knows him. A plain value: a session takes a copy when it is opened.
 struct User {
   int id = 0;
-  std::string login;
-  std::string name;     // for people; the login when the directory has no other
-  int defaultUnit = 0;  // 0 when none was chosen
+  std::string login = {};
+  std::string name = {};  // for people; the login when the directory has no other
+  int defaultUnit = 0;    // 0 when none was chosen
   std::vector<UserUnit>
       units;  // ascending by id, each once; holds the default unit when that is not 0
-  bool worksByUnits = false;        // sees only rows of his units
-  bool student = false;             // has a module for students open
-  std::set<std::string> libraries;  // libraries that he may use; empty: all of them
+  bool worksByUnits = false;             // sees only rows of his units
+  bool student = false;                  // has a module for students open
+  std::set<std::string> libraries = {};  // libraries that he may use; empty: all of them
 };
 
 /// The user with no other units than `unitIds`, the first of which becomes the default unless the
