@@ -80,6 +80,14 @@ void StatementBase::execute() {
   }
 }
 
+void StatementBase::stopReading() {
+  if (state_ == State::kReading) {
+    hasRow_ = false;
+    state_ = State::kEnded;
+    releaseRows();
+  }
+}
+
 void StatementBase::requireReading() const {
   if (state_ != State::kReading) {
     throw std::logic_error("fetch without an execution whose rows are still to be read");

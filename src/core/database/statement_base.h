@@ -70,6 +70,10 @@ class StatementBase : public moxDatabaseConnection::PreparedStatement, public mo
   /// after a failure, and ahead of a new execution; more than once in a row does no harm.
   virtual void releaseRows() noexcept = 0;
 
+  /// Ends the rows of the running execution ahead of their end. The statements after stay owed: to the next
+  /// execution, or to the destructor.
+  void stopReading();
+
   /// Throws moxError for a position outside 0 .. markCount-1 or a sealed one.
   void requirePosition(int position, int markCount) const;
 
