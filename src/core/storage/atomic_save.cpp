@@ -38,8 +38,10 @@ std::optional<struct stat> whatIsAt(std::string const& path) {
 }
 
 void writeInPlace(std::string const& path, char const* bytes, std::size_t count) {
-  FileDescriptor file(::open(path.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY));
+  // Opening must not wait for a reader of a pipe; writing must wait for it.
+  FileDescriptor file(::open(path.c_str(), O_WRONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK));
   check(file ? 0 : errno, path);
+  check(::fcntl(file.get(), F_SETFL, 0) == 0 ? 0 : errno, path);
   check(writeFully(file.get(), bytes, count), path);
   check(file.close(), path);
 }
