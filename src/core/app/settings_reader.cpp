@@ -2,9 +2,9 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <iterator>
 #include <memory>
-#include <sstream>
-#include <stdexcept>
+#include <optional>
 #include <utility>
 
 #include <fmt/format.h>
@@ -33,8 +33,8 @@ std::string asOneLine(std::string text) {
   return text.size() <= kLongestMessage ? text : text.substr(0, kLongestMessage) + "...";
 }
 
-[[noreturn]] void fail(std::filesystem::path const& file, toml::source_region const& where,
-                       std::string const& what) {
+[[noreturn]] void failAt(std::filesystem::path const& file, toml::source_region const& where,
+                         std::string const& what) {
   throw moxDefaultErrorImpl<moxError>(
       fmt::format("{}:{}: {}", file.string(), where.begin.line, asOneLine(what)));
 }
@@ -79,6 +79,47 @@ std::string_view describeNode(toml::node const& node) {
   }
 }
 
+// The shape of a list's elements; a shape that is no list is its own.
+SettingShape elementShape(SettingShape shape) {
+  switch (shape) {
+    case SettingShape::kTextList:
+      return SettingShape::kText;
+    case SettingShape::kPathList:
+      return SettingShape::kPath;
+    case SettingShape::kIntegerList:
+      return SettingShape::kInteger;
+    default:
+      return shape;
+  }
+}
+
+// A single value as text; nothing for one of another shape.
+std::optional<std::string> textOf(toml::node const& node, SettingShape shape) {
+  bool const isText = shape == SettingShape::kText || shape == SettingShape::kPath;
+  if (auto const* const text = node.as_string(); text != nullptr && isText) {
+    return text->get();
+  }
+  if (auto const* const number = node.as_integer();
+      number != nullptr && shape == SettingShape::kInteger) {
+    return fmt::format("{}", number->get());
+  }
+  if (auto const* const flag = node.as_boolean();
+      flag != nullptr && shape == SettingShape::kBoolean) {
+    return flag->get() ? "true" : "false";
+  }
+  return std::nullopt;
+}
+
+template <class Named>
+std::string suggest(std::string_view name, std::vector<Named> const& known) {
+  std::vector<std::string_view> names;
+  std::transform(known.begin(), known.end(), std::back_inserter(names),
+                 [](Named const& candidate) { return candidate.name; });
+  return suggestName(name, names);
+}
+
+constexpr SettingKey kAnyPathKey{"", SettingShape::kPath, "comum = \"items\""};
+
 // The library keeps keys in the order of their names; people expect that of the file.
 std::vector<std::pair<toml::key const*, toml::node const*>> inFileOrder(toml::table const& table) {
   std::vector<std::pair<toml::key const*, toml::node const*>> entries;
@@ -93,6 +134,13 @@ std::vector<std::pair<toml::key const*, toml::node const*>> inFileOrder(toml::ta
   return entries;
 }
 
+/// A key of the file, and what the application knows of it.
+struct KnownEntry {
+  std::string section;  // as Settings calls it
+  toml::key const& key;
+  SettingKey const& known;
+};
+
 /// Walks one parsed file and enters what it finds.
 class SettingsReader {
  public:
@@ -101,43 +149,50 @@ class SettingsReader {
 
   void readFile(toml::table const& root) {
     for (auto const& [key, node] : inFileOrder(root)) {
-      readSection(*key, *node);
+      if (!node->is_table()) {
+        fail(key->source(),
+             fmt::format("'{}' stands outside of every section; put it below the [section] that it "
+                         "belongs to",
+                         key->str()));
+      }
+      readSection(*key, *node->as_table());
     }
   }
 
  private:
-  void readSection(toml::key const& key, toml::node const& node) {
+  void readSection(toml::key const& key, toml::table const& table) {
     auto const* const section = findSection(key.str());
     if (section == nullptr) {
-      fail(file_, key.source(),
+      fail(key.source(),
            fmt::format("unknown section [{}]{}", key.str(), suggest(key.str(), settingSections())));
     }
     settings_.addSection(std::string(section->name));
-    for (auto const& [name, value] : inFileOrder(demandTable(key, node))) {
+    for (auto const& [name, value] : inFileOrder(table)) {
       readEntry(*section, *name, *value);
     }
   }
 
   void readEntry(SettingSection const& section, toml::key const& key, toml::node const& node) {
-    std::string const name(section.name);
     switch (section.keys) {
       case SettingSection::Keys::kListed:
-        readKnown(section, name, key, node);
-        break;
+        return readKnown(section, std::string(section.name), key, node);
       case SettingSection::Keys::kAnyPath:
-        enter(name, key, node, {key.str(), SettingShape::kPath, "comum = \"items\""});
-        break;
+        return enter({std::string(section.name), key, kAnyPathKey}, node);
       case SettingSection::Keys::kTables:
-        readTable(section, key, node);
-        break;
+        return readTable(section, key, node);
     }
   }
 
   void readTable(SettingSection const& section, toml::key const& key, toml::node const& node) {
     std::string const name = fmt::format("{}.{}", section.name, key.str());
+    if (!node.is_table()) {
+      fail(key.source(),
+           fmt::format("'{}' in [{}] must be a table, not {}; write it as [{}] with its keys below",
+                       key.str(), section.name, describeNode(node), name));
+    }
     settings_.set(std::string(section.name), std::string(key.str()), {});
     settings_.addSection(name);
-    for (auto const& [entryKey, entry] : inFileOrder(demandTable(key, node))) {
+    for (auto const& [entryKey, entry] : inFileOrder(*node.as_table())) {
       readKnown(section, name, *entryKey, *entry);
     }
   }
@@ -146,99 +201,55 @@ class SettingsReader {
                  toml::key const& key, toml::node const& node) {
     auto const* const known = findKey(section, key.str());
     if (known == nullptr) {
-      fail(file_, key.source(),
-           fmt::format("unknown key '{}' in [{}]{}", key.str(), sectionName,
-                       suggest(key.str(), section.known)));
+      fail(key.source(), fmt::format("unknown key '{}' in [{}]{}", key.str(), sectionName,
+                                     suggest(key.str(), section.known)));
     }
-    enter(sectionName, key, node, *known);
+    enter({sectionName, key, *known}, node);
   }
 
-  void enter(std::string const& section, toml::key const& key, toml::node const& node,
-             SettingKey const& known) {
-    settings_.set(section, std::string(key.str()), values(section, key, node, known));
+  void enter(KnownEntry const& entry, toml::node const& node) {
+    settings_.set(entry.section, std::string(entry.key.str()), valuesOf(entry, node));
   }
 
-  std::vector<std::string> values(std::string const& section, toml::key const& key,
-                                  toml::node const& node, SettingKey const& known) const {
-    switch (known.shape) {
-      case SettingShape::kTextList:
-        return elements(section, key, node, known, SettingShape::kText);
-      case SettingShape::kPathList:
-        return elements(section, key, node, known, SettingShape::kPath);
-      case SettingShape::kIntegerList:
-        return elements(section, key, node, known, SettingShape::kInteger);
-      default:
-        return {single(section, key, node, known, known.shape)};
+  std::vector<std::string> valuesOf(KnownEntry const& entry, toml::node const& node) const {
+    auto const element = elementShape(entry.known.shape);
+    if (element == entry.known.shape) {
+      return {demandValue(entry, node, element, describeNode(node))};
     }
-  }
-
-  std::vector<std::string> elements(std::string const& section, toml::key const& key,
-                                    toml::node const& node, SettingKey const& known,
-                                    SettingShape shape) const {
-    auto const* const array = node.as_array();
-    if (array == nullptr) {
-      failShape(section, key, node, known);
+    if (!node.is_array()) {
+      failShape(entry, describeNode(node));
     }
     std::vector<std::string> texts;
-    for (auto const& element : *array) {
-      texts.push_back(single(section, key, element, known, shape));
+    for (auto const& item : *node.as_array()) {
+      auto const found = fmt::format("one with {} in it", describeNode(item));
+      texts.push_back(demandValue(entry, item, element, found));
     }
     return texts;
   }
 
-  std::string single(std::string const& section, toml::key const& key, toml::node const& node,
-                     SettingKey const& known, SettingShape shape) const {
-    if (auto const* const text = node.as_string(); text != nullptr && isTextShape(shape)) {
-      return checkedText(section, key, **text, shape);
+  std::string demandValue(KnownEntry const& entry, toml::node const& node, SettingShape shape,
+                          std::string_view found) const {
+    auto text = textOf(node, shape);
+    if (!text) {
+      failShape(entry, found);
     }
-    if (auto const* const number = node.as_integer();
-        number != nullptr && shape == SettingShape::kInteger) {
-      return fmt::format("{}", **number);
+    if (text->find('\0') != std::string::npos) {
+      // It would end the text for the system, and so name another file than the one read here.
+      fail(entry.key.source(), fmt::format("'{}' in [{}] holds a NUL character; remove it",
+                                           entry.key.str(), entry.section));
     }
-    if (auto const* const flag = node.as_boolean();
-        flag != nullptr && shape == SettingShape::kBoolean) {
-      return **flag ? "true" : "false";
-    }
-    failShape(section, key, node, known);
+    return shape == SettingShape::kPath && !text->empty() ? settings_.resolve(*text).string()
+                                                          : *text;
   }
 
-  static bool isTextShape(SettingShape shape) {
-    return shape == SettingShape::kText || shape == SettingShape::kPath;
+  [[noreturn]] void failShape(KnownEntry const& entry, std::string_view found) const {
+    fail(entry.key.source(),
+         fmt::format("'{}' in [{}] must be {}, not {}; write for example {}", entry.key.str(),
+                     entry.section, describeShape(entry.known.shape), found, entry.known.example));
   }
 
-  // A byte 0 would end the text for the system, and so name another file than the one read here.
-  std::string checkedText(std::string const& section, toml::key const& key, std::string const& text,
-                          SettingShape shape) const {
-    if (text.find('\0') != std::string::npos) {
-      fail(file_, key.source(),
-           fmt::format("'{}' in [{}] holds a NUL character; remove it", key.str(), section));
-    }
-    return shape == SettingShape::kPath && !text.empty() ? settings_.resolve(text).string() : text;
-  }
-
-  toml::table const& demandTable(toml::key const& key, toml::node const& node) const {
-    auto const* const table = node.as_table();
-    if (table == nullptr) {
-      fail(file_, key.source(),
-           fmt::format("'{}' must be a table, not {}; write it as [{}] with its keys below",
-                       key.str(), describeNode(node), key.str()));
-    }
-    return *table;
-  }
-
-  [[noreturn]] void failShape(std::string const& section, toml::key const& key,
-                              toml::node const& node, SettingKey const& known) const {
-    fail(file_, key.source(),
-         fmt::format("'{}' in [{}] must be {}, not {}; write for example {}", key.str(), section,
-                     describeShape(known.shape), describeNode(node), known.example));
-  }
-
-  template <class Named>
-  static std::string suggest(std::string_view name, std::vector<Named> const& known) {
-    std::vector<std::string_view> names;
-    std::transform(known.begin(), known.end(), std::back_inserter(names),
-                   [](Named const& candidate) { return candidate.name; });
-    return suggestName(name, names);
+  [[noreturn]] void fail(toml::source_region const& where, std::string const& what) const {
+    failAt(file_, where, what);
   }
 
   Settings& settings_;
@@ -249,7 +260,7 @@ toml::table parseTable(std::string_view text, std::filesystem::path const& file)
   try {
     return toml::parse(text, file.string());
   } catch (toml::parse_error const& error) {
-    fail(file, error.source(), fmt::format("{}; correct the line", error.description()));
+    failAt(file, error.source(), fmt::format("{}; correct the line", error.description()));
   }
 }
 

@@ -18,10 +18,9 @@ struct UserUnit {
 struct User {
   int id = 0;
   std::string login = {};
-  std::string name = {};  // for people; the login when the directory has no other
-  int defaultUnit = 0;    // 0 when none was chosen
-  std::vector<UserUnit>
-      units;  // ascending by id, each once; holds the default unit when that is not 0
+  std::string name = {};                 // for people; the login when the directory has no other
+  int defaultUnit = 0;                   // 0 when none was chosen
+  std::vector<UserUnit> units = {};      // by id, each once; the default unit, if any, among them
   bool worksByUnits = false;             // sees only rows of his units
   bool student = false;                  // has a module for students open
   std::set<std::string> libraries = {};  // libraries that he may use; empty: all of them

@@ -1,0 +1,20 @@
+#include "support/temporary_directory.h"
+
+#include <cerrno>
+#include <string>
+#include <system_error>
+
+#include <stdlib.h>
+
+TemporaryDirectory::TemporaryDirectory() {
+  std::string name = (std::filesystem::temp_directory_path() / "zyn-test-XXXXXX").string();
+  if (mkdtemp(name.data()) == nullptr) {
+    throw std::system_error(errno, std::generic_category(), name);
+  }
+  path_ = std::filesystem::canonical(name);
+}
+
+TemporaryDirectory::~TemporaryDirectory() {
+  std::error_code ignored;
+  std::filesystem::remove_all(path_, ignored);
+}
