@@ -9,7 +9,8 @@
 
 namespace escola {
 
-// What is the same in every example database, whatever its size: places, courses, subjects and people who log in.
+// What is the same in every example database, whatever its size: places, courses, subjects and
+// people who log in.
 
 struct Unit {
   int id;
@@ -56,7 +57,7 @@ struct User {
   std::string_view login;
   std::string_view name;
   std::string passwordHash;  // Argon2id; empty for those who cannot log in
-  int unit;  // 0 when he has none
+  int unit;                  // 0 when he has none
   bool worksByUnits;
   bool student;
   bool active;
@@ -71,8 +72,8 @@ std::span<User const> users();
 
 std::string_view fieldName(Field field);
 
-/// "[U3]" for the unit 3, "[REDE]" for 0: stands in a text of every row, so that a row that shows up where its
-/// unit must not be seen is recognised by its text alone.
+/// "[U3]" for the unit 3, "[REDE]" for 0: stands in a text of every row, so that a row that shows
+/// up where its unit must not be seen is recognised by its text alone.
 std::string unitToken(int unit);
 
 /// Staff that every unit has from the start: management, then teachers by field.

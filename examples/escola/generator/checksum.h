@@ -9,8 +9,9 @@
 
 namespace escola {
 
-/// Sum over rows of one table: two tables have equal sums when they hold equal rows in an equal order, however
-/// their databases store them. Not made against people who want two tables to look equal.
+/// Sum over rows of one table: two tables have equal sums when they hold equal rows in an equal
+/// order, however their databases store them. Not made against people who want two tables to look
+/// equal.
 class RowChecksum {
  public:
   void add(std::span<Cell const> cells);
@@ -42,7 +43,8 @@ class ChecksumSink : public RowSink {
   std::array<RowChecksum, static_cast<std::size_t>(TableId::kPayments) + 1> sums_;
 };
 
-/// A line for each table with its rows and sum, then one for all: what `escola-generate --checksum` prints.
+/// A line for each table with its rows and sum, then one for all: what `escola-generate --checksum`
+/// prints.
 std::string checksumReport(ChecksumSink const& sums);
 
 }  // namespace escola

@@ -65,12 +65,14 @@ std::vector<int> subjectsAt(Course const& course, Unit const& unit) {
 
 std::string levelText(Course const& course, int level) {
   std::string const number = std::to_string(course.firstLevel + level);
-  return course.years == 1 ? std::string(course.shortName) : number + "º " + std::string(course.shortName);
+  return course.years == 1 ? std::string(course.shortName)
+                           : number + "º " + std::string(course.shortName);
 }
 
 /// The class's fee: the course's, as dear as the unit is, raised each year, in whole reais.
 Hundredths feeOf(Course const& course, Unit const& unit, int yearsOn) {
-  std::int64_t const fee = course.monthlyFee.value * unit.pricePercent * (100 + 6 * yearsOn) / 10000;
+  std::int64_t const fee =
+      course.monthlyFee.value * unit.pricePercent * (100 + 6 * yearsOn) / 10000;
   return {fee / 100 * 100};
 }
 
@@ -79,21 +81,23 @@ struct Family {
   std::string_view male;
 };
 
-constexpr auto kFamilies =
-    std::to_array<Family>({{"mãe", "pai"}, {"mãe", "pai"}, {"mãe", "pai"}, {"avó", "avô"}, {"tia", "tio"}});
+constexpr auto kFamilies = std::to_array<Family>(
+    {{"mãe", "pai"}, {"mãe", "pai"}, {"mãe", "pai"}, {"avó", "avô"}, {"tia", "tio"}});
 
 }  // namespace
 
 int CohortWriter::entryYear(Random& random, int number) const {
   // 3 has no divisor in common with 10: ten cohorts in a row start in ten different years.
   int const drawn = random.below(kSchoolYears);
-  return context_.calendar.firstYear() + (number < kSchoolYears ? number * 3 % kSchoolYears : drawn);
+  return context_.calendar.firstYear() +
+         (number < kSchoolYears ? number * 3 % kSchoolYears : drawn);
 }
 
 std::string CohortWriter::nextSection(Unit const& unit, Course const& course, int finalYear) {
-  std::size_t const place = (static_cast<std::size_t>(unit.id) * courses().size() +
-                             static_cast<std::size_t>(course.id)) * 2 * kSchoolYears +
-                            static_cast<std::size_t>(finalYear - context_.calendar.firstYear());
+  std::size_t const place =
+      (static_cast<std::size_t>(unit.id) * courses().size() + static_cast<std::size_t>(course.id)) *
+          2 * kSchoolYears +
+      static_cast<std::size_t>(finalYear - context_.calendar.firstYear());
   if (place >= sections_.size()) {
     sections_.resize(place + 1);
   }
@@ -120,8 +124,14 @@ CohortWriter::Cohort CohortWriter::nextCohort(Random& random) {
 }
 
 int CohortWriter::writeTeacher(Cohort const& cohort, int finalYear) {
-  Employee employee{cohort.unit->id, cohort.unit->headOffice, 0, "", "Docência: regência de turma", {430000},
-                    dayOf(cohort.entryYear, 1, 10), std::nullopt};
+  Employee employee{cohort.unit->id,
+                    cohort.unit->headOffice,
+                    0,
+                    "",
+                    "Docência: regência de turma",
+                    {430000},
+                    dayOf(cohort.entryYear, 1, 10),
+                    std::nullopt};
   Day const after = context_.calendar.classesEnd(finalYear) + std::chrono::days(20);
   if (after <= context_.calendar.today() && cohort.number % 3 == 0) {
     employee.left = after;
@@ -156,17 +166,19 @@ std::vector<Student> CohortWriter::writeStudents(Cohort const& cohort) {
   return students;
 }
 
-std::optional<int> CohortWriter::writeGuardian(Random& random, Cohort const& cohort, int age) {
+std::optional<int> CohortWriter::writeGuardian(Random& random, Cohort const& cohort, int age,
+                                               std::string_view studentName) {
   bool const female = random.chance(720);
-  std::string const name = fullName(random, female);
-  Family const family = random.pick(std::span<Family const>(kFamilies));
+  std::string_view const family = random.chance(800) ? familyOf(studentName) : std::string_view();
+  std::string const name = fullName(random, female, family);
+  Family const kin = random.pick(std::span<Family const>(kFamilies));
   bool const alone = age >= kAdult && random.chance(850);
   if (alone) {
     return std::nullopt;
   }
   int const id = ++context_.guardians;
   context_.sink.row(TableId::kGuardians,
-                    {id, name, cpf(4'500'000 + id), female ? family.female : family.male,
+                    {id, name, cpf(4'500'000 + id), female ? kin.female : kin.male,
                      phone(random, cohort.unit->areaCode),
                      random.chance(250) ? kNull : Cell(email(name, id, "familia")),
                      random.chance(180) ? kNull : Cell(random.pick(professions()))});
@@ -176,13 +188,14 @@ std::optional<int> CohortWriter::writeGuardian(Random& random, Cohort const& coh
 Student CohortWriter::writeStudent(Cohort const& cohort, bool first) {
   int const id = ++context_.students;
   Random random(context_.settings.seed, Purpose::kStudent, static_cast<std::uint64_t>(id));
-  int const late = random.chance(120) ? random.between(1, cohort.course->entryAge >= 17 ? 22 : 2) : 0;
+  int const late =
+      random.chance(120) ? random.between(1, cohort.course->entryAge >= 17 ? 22 : 2) : 0;
   int const age = cohort.course->entryAge + cohort.entryLevel + late;
   bool const isUser = first && cohort.number == kStudentOfCohort;
   bool const female = random.chance(510) && !isUser;
   std::string const drawn = fullName(random, female);
   std::string const name = isUser ? std::string(users()[kStudentUser - 1].name) : drawn;
-  std::optional<int> const guardian = writeGuardian(random, cohort, age);
+  std::optional<int> const guardian = writeGuardian(random, cohort, age, name);
   writeStudentRow(random, cohort, {id, age, isUser, female, name, guardian});
   Student student{};
   student.id = id;
@@ -196,25 +209,35 @@ Student CohortWriter::writeStudent(Cohort const& cohort, bool first) {
 void CohortWriter::writeStudentRow(Random& random, Cohort const& cohort, Person const& person) {
   Unit const& unit = *cohort.unit;
   Day const registered = dayOf(cohort.entryYear, 1, 1) - std::chrono::days(random.below(60));
-  Day const born = dayOf(cohort.entryYear - person.age, 1, 1) + std::chrono::days(random.below(365));
+  Day const born =
+      dayOf(cohort.entryYear - person.age, 1, 1) + std::chrono::days(random.below(365));
   std::string_view const remark = random.pick(studentRemarks());
   std::string const note = unitToken(unit.id) + (remark.empty() ? "" : " ") + std::string(remark);
   std::string const picture = random.chance(120) ? thumbnail(random) : std::string();
   context_.sink.row(
       TableId::kStudents,
-      {person.id, unit.id, person.guardian, person.isUser ? Cell(kStudentUser) : kNull,
-       std::to_string(cohort.entryYear) + padded(person.id, 6), person.name,
+      {person.id,
+       unit.id,
+       person.guardian,
+       person.isUser ? Cell(kStudentUser) : kNull,
+       std::to_string(cohort.entryYear) + padded(person.id, 6),
+       person.name,
        random.chance(990) ? kNull : Cell(fullName(random, !person.female)),
-       random.chance(person.age < kAdult ? 180 : 0) ? kNull : Cell(cpf(person.id)), born,
+       random.chance(person.age < kAdult ? 180 : 0) ? kNull : Cell(cpf(person.id)),
+       born,
        person.female ? "F" : "M",
        random.chance(220) ? kNull : Cell(email(person.name, person.id, "aluno")),
-       random.chance(140) ? kNull : Cell(phone(random, unit.areaCode)), address(random),
-       random.chance(60) ? kNull : Cell(random.pick(districts())), unit.city, unit.state,
+       random.chance(140) ? kNull : Cell(phone(random, unit.areaCode)),
+       address(random),
+       random.chance(60) ? kNull : Cell(random.pick(districts())),
+       unit.city,
+       unit.state,
        random.chance(70) ? kNull
                          : Cell(std::string(unit.postalCode) + "-" + padded(random.below(1000), 3)),
        random.chance(260) ? kNull : Cell(Hundredths{std::max(90000, random.bell(640000, 420000))}),
        Moment(registered) + std::chrono::seconds(random.between(8 * 3600, 18 * 3600)),
-       picture.empty() ? kNull : Cell(Bytes{picture}), note});
+       picture.empty() ? kNull : Cell(Bytes{picture}),
+       note});
 }
 
 SchoolClass CohortWriter::writeClass(Cohort const& cohort, int year) {
@@ -234,16 +257,16 @@ SchoolClass CohortWriter::writeClass(Cohort const& cohort, int year) {
                              std::string(subjects()[static_cast<std::size_t>(subject - 1)].code));
   }
   std::string const room = std::to_string(result.id % 3 + 1) + padded(result.id % 14 + 1, 2);
-  context_.sink.row(
-      TableId::kClasses,
-      {result.id, unit.id, course.id, year, course.firstLevel + level, cohort.shift, name, cohort.teacher,
-       result.id % 9 == 0 ? kNull : Cell(room), 36, context_.calendar.classesBegin(year),
-       context_.calendar.classesEnd(year), result.monthlyFee,
-       unitToken(unit.id) + " " + std::string(course.name)});
+  context_.sink.row(TableId::kClasses,
+                    {result.id, unit.id, course.id, year, course.firstLevel + level, cohort.shift,
+                     name, cohort.teacher, result.id % 9 == 0 ? kNull : Cell(room), 36,
+                     context_.calendar.classesBegin(year), context_.calendar.classesEnd(year),
+                     result.monthlyFee, unitToken(unit.id) + " " + std::string(course.name)});
   return result;
 }
 
-void CohortWriter::writeClassSubjects(Cohort const& cohort, SchoolClass const& schoolClass, Random& random) {
+void CohortWriter::writeClassSubjects(Cohort const& cohort, SchoolClass const& schoolClass,
+                                      Random& random) {
   bool teacherPlaced = false;
   for (int const id : schoolClass.subjects) {
     Subject const& subject = subjects()[static_cast<std::size_t>(id - 1)];
@@ -251,8 +274,9 @@ void CohortWriter::writeClassSubjects(Cohort const& cohort, SchoolClass const& s
                       random.below(kTeachersPerField);
     bool const own = !teacherPlaced && random.chance(400);
     teacherPlaced = teacherPlaced || own;
-    context_.sink.row(TableId::kClassSubjects, {schoolClass.id, id, own ? cohort.teacher
-                                                                        : unitStaffId(cohort.unit->id, place)});
+    context_.sink.row(
+        TableId::kClassSubjects,
+        {schoolClass.id, id, own ? cohort.teacher : unitStaffId(cohort.unit->id, place)});
   }
 }
 

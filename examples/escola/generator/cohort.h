@@ -28,8 +28,8 @@ struct Student {
   bool active = true;  // still in the school
 };
 
-/// Writes cohorts one after another: some thirty students of one unit, course and shift who start together,
-/// move up together year by year, and some of whom leave on the way.
+/// Writes cohorts one after another: some thirty students of one unit, course and shift who start
+/// together, move up together year by year, and some of whom leave on the way.
 class CohortWriter {
  public:
   explicit CohortWriter(Context& context) : context_(context) {}
@@ -65,7 +65,8 @@ class CohortWriter {
   std::vector<Student> writeStudents(Cohort const& cohort);
   Student writeStudent(Cohort const& cohort, bool first);
   void writeStudentRow(Random& random, Cohort const& cohort, Person const& person);
-  std::optional<int> writeGuardian(Random& random, Cohort const& cohort, int age);
+  std::optional<int> writeGuardian(Random& random, Cohort const& cohort, int age,
+                                   std::string_view studentName);
   SchoolClass writeClass(Cohort const& cohort, int year);
   void writeClassSubjects(Cohort const& cohort, SchoolClass const& schoolClass, Random& random);
 

@@ -17,7 +17,8 @@ date_t dateOf(Day day) {
           static_cast<int>(static_cast<unsigned>(parts.month())), static_cast<int>(parts.year())};
 }
 
-void bindBytes(moxDatabaseConnection::PreparedStatement& statement, int position, std::string_view bytes) {
+void bindBytes(moxDatabaseConnection::PreparedStatement& statement, int position,
+               std::string_view bytes) {
   mox::core::AdapterBlob blob;
   blob.wrap(bytes.data(), bytes.size(), 0);
   statement.bindBlob(position, blob);
@@ -50,7 +51,8 @@ DatabaseWriter::DatabaseWriter(moxDatabaseConnection& connection, int rowsPerSta
 }
 
 int DatabaseWriter::rowsOf(Table const& table) const {
-  return std::clamp(kMarksPerStatement / static_cast<int>(table.columns.size()), 1, rowsPerStatement_);
+  return std::clamp(kMarksPerStatement / static_cast<int>(table.columns.size()), 1,
+                    rowsPerStatement_);
 }
 
 std::string DatabaseWriter::insertText(Table const& table, int rows) const {

@@ -9,11 +9,13 @@
 
 namespace escola {
 
-/// A sink that inserts the rows into a database, several with one statement, in transactions of bounded length.
-/// Owns its statements; the connection must outlive it. Rows that were not finished are lost with it.
+/// A sink that inserts the rows into a database, several with one statement, in transactions of
+/// bounded length. Owns its statements; the connection must outlive it. Rows that were not finished
+/// are lost with it.
 class DatabaseWriter : public RowSink {
  public:
-  /// `rowsPerStatement` as the database likes it: a server wants many, an embedded database needs no more than 1.
+  /// `rowsPerStatement` as the database likes it: a server wants many, an embedded database needs
+  /// no more than 1.
   DatabaseWriter(moxDatabaseConnection& connection, int rowsPerStatement);
 
   using RowSink::row;

@@ -29,7 +29,8 @@ EnrolmentWriter::Enrolment EnrolmentWriter::draw(Random& random) {
   static constexpr std::array<int, 5> kScholarships{10, 20, 25, 50, 100};
   Enrolment enrolment{++context_.enrolments, std::nullopt, "", 0};
   bool const leaves = random.chance(55);
-  Day const exit = context_.calendar.classesBegin(class_.year) + std::chrono::days(random.between(20, 280));
+  Day const exit =
+      context_.calendar.classesBegin(class_.year) + std::chrono::days(random.between(20, 280));
   std::string_view const reason = random.pick(std::span<std::string_view const>(kReasons));
   if (leaves && exit <= context_.calendar.today()) {
     enrolment.exit = exit;
@@ -69,7 +70,8 @@ EnrolmentWriter::Outcome EnrolmentWriter::writeGrades(Random& random, Student co
 }
 
 /// Gives the subject's average in hundredths of a mark; a mark that was never given counts as none.
-int EnrolmentWriter::writeSubject(Random& random, Enrolment const& enrolment, std::size_t place, int ability) {
+int EnrolmentWriter::writeSubject(Random& random, Enrolment const& enrolment, std::size_t place,
+                                  int ability) {
   int sum = 0;
   int count = 0;
   for (int bimester = 1; bimester <= kBimesters; ++bimester) {
@@ -83,8 +85,8 @@ int EnrolmentWriter::writeSubject(Random& random, Enrolment const& enrolment, st
 }
 
 /// Gives the mark that counts, in tenths, or -1 when there is none.
-int EnrolmentWriter::writeGrade(Random& random, Enrolment const& enrolment, std::size_t place, int bimester,
-                                int ability) {
+int EnrolmentWriter::writeGrade(Random& random, Enrolment const& enrolment, std::size_t place,
+                                int bimester, int ability) {
   Day const end = context_.calendar.bimesterEnd(class_.year, bimester);
   Day const entered = end + std::chrono::days(random.between(1, 24));
   int const mark = asMark(random.bell(ability, 17));
@@ -100,15 +102,17 @@ int EnrolmentWriter::writeGrade(Random& random, Enrolment const& enrolment, std:
   bool const hasSecond = hasMark && mark < kPassMark && tries;
   int const id = ++context_.grades;
   if (id <= context_.gradeBound) {
-    context_.sink.row(TableId::kGrades,
-                      {id, class_.unit->id, enrolment.id, class_.subjects[place], bimester,
-                       hasMark ? Cell(markCell(mark)) : kNull, hasSecond ? Cell(markCell(second)) : kNull,
-                       given ? Cell(lessonsMissed) : kNull, given ? Cell(entered) : kNull, class_.diaries[place]});
+    context_.sink.row(TableId::kGrades, {id, class_.unit->id, enrolment.id, class_.subjects[place],
+                                         bimester, hasMark ? Cell(markCell(mark)) : kNull,
+                                         hasSecond ? Cell(markCell(second)) : kNull,
+                                         given ? Cell(lessonsMissed) : kNull,
+                                         given ? Cell(entered) : kNull, class_.diaries[place]});
   }
   return hasSecond ? second : hasMark ? mark : -1;
 }
 
-void EnrolmentWriter::writeAttendance(Random& random, Enrolment const& enrolment, int paymentHabit) {
+void EnrolmentWriter::writeAttendance(Random& random, Enrolment const& enrolment,
+                                      int paymentHabit) {
   for (int month = 2; month <= 12; ++month) {
     Day const first = dayOf(class_.year, month, 1);
     bool const closed = monthsLater(first, 1) <= context_.calendar.today();
@@ -119,13 +123,14 @@ void EnrolmentWriter::writeAttendance(Random& random, Enrolment const& enrolment
     if (first > context_.calendar.today() || (enrolment.exit && first > *enrolment.exit)) {
       return;
     }
-    context_.sink.row(TableId::kAttendance, {++context_.attendance, class_.unit->id, enrolment.id, first, days,
-                                             recorded ? Cell(missed) : kNull,
+    context_.sink.row(TableId::kAttendance, {++context_.attendance, class_.unit->id, enrolment.id,
+                                             first, days, recorded ? Cell(missed) : kNull,
                                              recorded && missed > 0 ? Cell(excused) : kNull});
   }
 }
 
-std::string_view EnrolmentWriter::situation(Enrolment const& enrolment, Outcome const& outcome) const {
+std::string_view EnrolmentWriter::situation(Enrolment const& enrolment,
+                                            Outcome const& outcome) const {
   if (enrolment.exit) {
     return enrolment.exitReason;
   }
@@ -138,11 +143,13 @@ std::string_view EnrolmentWriter::situation(Enrolment const& enrolment, Outcome 
   return outcome.failed > 0 ? "aprovado com dependência" : "aprovado";
 }
 
-void EnrolmentWriter::writeEnrolment(Random& random, Student const& student, Enrolment const& enrolment,
-                                     Outcome const& outcome) {
+void EnrolmentWriter::writeEnrolment(Random& random, Student const& student,
+                                     Enrolment const& enrolment, Outcome const& outcome) {
   Day const usual = dayOf(class_.year - 1, 12, 1) + std::chrono::days(random.below(55));
-  Day const lateOne = context_.calendar.classesBegin(class_.year) + std::chrono::days(random.below(15));
-  Day const enrolled = std::min(newcomers_ && random.chance(60) ? lateOne : usual, context_.calendar.today());
+  Day const lateOne =
+      context_.calendar.classesBegin(class_.year) + std::chrono::days(random.below(15));
+  Day const enrolled =
+      std::min(newcomers_ && random.chance(60) ? lateOne : usual, context_.calendar.today());
   bool const hasAverage = isOver() && !enrolment.exit;
   // Two places, as a report card shows it.
   Hundredths const average{(outcome.average + outcome.subjects / 2) / outcome.subjects};
@@ -151,8 +158,8 @@ void EnrolmentWriter::writeEnrolment(Random& random, Student const& student, Enr
     note += " Matrícula condicionada à entrega do histórico.";
   }
   context_.sink.row(TableId::kEnrolments,
-                    {enrolment.id, class_.unit->id, student.id, class_.id, number_, enrolled, enrolment.exit,
-                     situation(enrolment, outcome),
+                    {enrolment.id, class_.unit->id, student.id, class_.id, number_, enrolled,
+                     enrolment.exit, situation(enrolment, outcome),
                      enrolment.scholarship == 0 ? kNull : Cell(enrolment.scholarship),
                      hasAverage ? Cell(average) : kNull, note});
 }

@@ -34,12 +34,15 @@ class EnrolmentWriter {
   Enrolment draw(Random& random);
   Outcome writeGrades(Random& random, Student const& student, Enrolment const& enrolment);
   int writeSubject(Random& random, Enrolment const& enrolment, std::size_t place, int ability);
-  int writeGrade(Random& random, Enrolment const& enrolment, std::size_t place, int bimester, int ability);
+  int writeGrade(Random& random, Enrolment const& enrolment, std::size_t place, int bimester,
+                 int ability);
   void writeAttendance(Random& random, Enrolment const& enrolment, int paymentHabit);
   void writeEnrolment(Random& random, Student const& student, Enrolment const& enrolment,
                       Outcome const& outcome);
   std::string_view situation(Enrolment const& enrolment, Outcome const& outcome) const;
-  bool isOver() const { return context_.calendar.classesEnd(class_.year) <= context_.calendar.today(); }
+  bool isOver() const {
+    return context_.calendar.classesEnd(class_.year) <= context_.calendar.today();
+  }
 
   Context& context_;
   SchoolClass const& class_;

@@ -44,7 +44,8 @@ void executeAll(moxDatabaseConnection& connection, std::string_view text) {
 /// Names of the example's tables that the database has already.
 std::vector<std::string> existingTables(moxDatabaseConnection& connection, bool server) {
   auto const statement = connection.prepare(
-      server ? "select count(*) from information_schema.tables where table_schema=database() and table_name=?"
+      server ? "select count(*) from information_schema.tables where table_schema=database() and "
+               "table_name=?"
              : "select count(*) from sqlite_master where type='table' and name=?");
   std::vector<std::string> names;
   for (Table const& table : allTables()) {
@@ -57,8 +58,8 @@ std::vector<std::string> existingTables(moxDatabaseConnection& connection, bool 
   return names;
 }
 
-/// References are good by the way rows are made, and a row may come before the one that it refers to; waiting for
-/// the disk after each transaction is no use for a file that can be made again.
+/// References are good by the way rows are made, and a row may come before the one that it refers
+/// to; waiting for the disk after each transaction is no use for a file that can be made again.
 void setBulkMode(moxDatabaseConnection& connection, bool server, bool on) {
   if (server) {
     connection.execute(std::string("set foreign_key_checks=") + (on ? "0" : "1"));
@@ -89,7 +90,8 @@ void dropAfterFailure(moxDatabaseConnection& connection, bool server) noexcept {
   }
 }
 
-void fill(moxDatabaseConnection& connection, BuildOptions const& options, bool server, Progress const& progress) {
+void fill(moxDatabaseConnection& connection, BuildOptions const& options, bool server,
+          Progress const& progress) {
   executeAll(connection, tablesSchema());
   DatabaseWriter writer(connection, server ? kRowsPerServerStatement : 1);
   generate(options.settings, options.scale, writer, progress);
@@ -164,7 +166,8 @@ class RowReader {
 
 }  // namespace
 
-std::unique_ptr<moxDatabaseConnection> openForExample(std::string const& url, std::string const& password) {
+std::unique_ptr<moxDatabaseConnection> openForExample(std::string const& url,
+                                                      std::string const& password) {
   std::string complete = url;
   bool const makesFile = !isServer(url) && url.find("mode=") == std::string::npos &&
                          mox::core::parseDatabaseUrl(url).path != ":memory:";
@@ -177,7 +180,8 @@ std::unique_ptr<moxDatabaseConnection> openForExample(std::string const& url, st
   return mox::core::openDatabase(options);
 }
 
-void buildExample(moxDatabaseConnection& connection, BuildOptions const& options, Progress const& progress) {
+void buildExample(moxDatabaseConnection& connection, BuildOptions const& options,
+                  Progress const& progress) {
   bool const server = isServer(options.url);
   std::vector<std::string> const existing = existingTables(connection, server);
   if (!existing.empty() && !options.replace) {

@@ -36,15 +36,18 @@ Scale parseScale(std::string_view text) {
   }
   std::int64_t grades = 0;
   auto const [end, error] = std::from_chars(text.data(), text.data() + text.size(), grades);
-  if (error != std::errc() || end != text.data() + text.size() || grades < 1 || grades > kMostGrades) {
-    throw std::invalid_argument("scale '" + std::string(text) +
-                                "' is none of tiny, small, demo, medium, large, and no number of grades from 1 to " +
-                                std::to_string(kMostGrades));
+  if (error != std::errc() || end != text.data() + text.size() || grades < 1 ||
+      grades > kMostGrades) {
+    throw std::invalid_argument(
+        "scale '" + std::string(text) +
+        "' is none of tiny, small, demo, medium, large, and no number of grades from 1 to " +
+        std::to_string(kMostGrades));
   }
   return {0, grades};
 }
 
-void generate(Settings const& settings, Scale const& scale, RowSink& sink, Progress const& progress) {
+void generate(Settings const& settings, Scale const& scale, RowSink& sink,
+              Progress const& progress) {
   Context context{settings, SchoolCalendar(settings.today), sink,
                   scale.grades != 0 ? scale.grades : std::numeric_limits<std::int64_t>::max()};
   writeNetworkRows(context);

@@ -9,16 +9,18 @@
 
 namespace escola {
 
-/// How much is generated: whole cohorts, or exactly so many grades. Cohorts come in an order that does not
-/// depend on the size, so a smaller database is the beginning of a larger one.
+/// How much is generated: whole cohorts, or exactly so many grades. Cohorts come in an order that
+/// does not depend on the size, so a smaller database is the beginning of a larger one.
 struct Scale {
   int cohorts = 0;          // 0: as many as the grades need
   std::int64_t grades = 0;  // 0: all grades of the cohorts
 };
 
-inline constexpr std::int64_t kMostGrades = 50'000'000;  // identifiers and registers have room for so many
+inline constexpr std::int64_t kMostGrades =
+    50'000'000;  // identifiers and registers have room for so many
 
-/// Reads "tiny", "small", "demo", "medium", "large" or a number of grades. Throws std::invalid_argument.
+/// Reads "tiny", "small", "demo", "medium", "large" or a number of grades. Throws
+/// std::invalid_argument.
 Scale parseScale(std::string_view text);
 
 struct Settings {
@@ -47,6 +49,7 @@ struct Context {
 using Progress = std::function<void(std::int64_t grades, std::int64_t expected)>;
 
 /// Hands all rows of the example to the sink, in constant memory.
-void generate(Settings const& settings, Scale const& scale, RowSink& sink, Progress const& progress = {});
+void generate(Settings const& settings, Scale const& scale, RowSink& sink,
+              Progress const& progress = {});
 
 }  // namespace escola

@@ -48,12 +48,14 @@ std::optional<int> drawDelay(Random& random, int habit) {
 }
 
 Payment paymentAt(Random& random, Day day, std::int64_t principal, std::int64_t charges) {
-  static constexpr std::array<std::string_view, 5> kForms{"pix", "pix", "boleto", "cartão", "dinheiro"};
+  static constexpr std::array<std::string_view, 5> kForms{"pix", "pix", "boleto", "cartão",
+                                                          "dinheiro"};
   Moment const at = Moment(day) + std::chrono::seconds(random.between(7 * 3600, 21 * 3600));
   return {at, principal, charges, random.pick(std::span<std::string_view const>(kForms))};
 }
 
-/// What is paid on the invoice one day; part of it may lie after the day on which the database is looked at.
+/// What is paid on the invoice one day; part of it may lie after the day on which the database is
+/// looked at.
 std::vector<Payment> drawPayments(Random& random, Invoice const& invoice, int habit) {
   std::optional<int> const delay = drawDelay(random, habit);
   bool const inTwoParts = habit != 0 && random.chance(160);
@@ -66,7 +68,8 @@ std::vector<Payment> drawPayments(Random& random, Invoice const& invoice, int ha
   std::vector<Payment> payments{paymentAt(random, day, part, lateCharges(part, *delay))};
   if (inTwoParts && random.chance(700)) {
     std::int64_t const rest = invoice.net() - part;
-    payments.push_back(paymentAt(random, day + std::chrono::days(gap), rest, lateCharges(rest, *delay + gap)));
+    payments.push_back(
+        paymentAt(random, day + std::chrono::days(gap), rest, lateCharges(rest, *delay + gap)));
   }
   return payments;
 }
@@ -92,10 +95,11 @@ void writePayments(Context& context, Account const& account, Invoice const& invo
   int const unit = account.schoolClass->unit->id;
   for (Payment const& payment : payments) {
     int const id = ++context.payments;
-    context.sink.row(TableId::kPayments,
-                     {id, unit, invoice.id, payment.at, Hundredths{payment.principal + payment.charges},
-                      payment.charges == 0 ? kNull : Cell(Hundredths{payment.charges}), payment.form,
-                      unitToken(unit) + " " + std::string(payment.form) + " " + padded(id, 9)});
+    context.sink.row(
+        TableId::kPayments,
+        {id, unit, invoice.id, payment.at, Hundredths{payment.principal + payment.charges},
+         payment.charges == 0 ? kNull : Cell(Hundredths{payment.charges}), payment.form,
+         unitToken(unit) + " " + std::string(payment.form) + " " + padded(id, 9)});
   }
 }
 
@@ -112,9 +116,10 @@ void writeInvoice(Context& context, Account const& account, Invoice const& invoi
                            std::to_string(account.schoolClass->year);
   context.sink.row(
       TableId::kInvoices,
-      {invoice.id, unit, account.enrolment, dayOf(account.schoolClass->year, invoice.month, 1), invoice.due,
-       Hundredths{invoice.value}, invoice.discount == 0 ? kNull : Cell(Hundredths{invoice.discount}),
-       Hundredths{received}, situation(invoice, principal, context.calendar.today()), issued, text});
+      {invoice.id, unit, account.enrolment, dayOf(account.schoolClass->year, invoice.month, 1),
+       invoice.due, Hundredths{invoice.value},
+       invoice.discount == 0 ? kNull : Cell(Hundredths{invoice.discount}), Hundredths{received},
+       situation(invoice, principal, context.calendar.today()), issued, text});
   writePayments(context, account, invoice, payments);
 }
 
@@ -135,8 +140,12 @@ void writeInvoices(Context& context, Account const& account) {
     if (issued >= now || (afterExit && !firstAfterExit)) {
       return;
     }
-    Invoice const invoice{++context.invoices, month, first + std::chrono::days(account.dueDay - 1), value,
-                          value * account.scholarship / 100, afterExit};
+    Invoice const invoice{++context.invoices,
+                          month,
+                          first + std::chrono::days(account.dueDay - 1),
+                          value,
+                          value * account.scholarship / 100,
+                          afterExit};
     std::vector<Payment> payments = drawPayments(random, invoice, account.paymentHabit);
     std::erase_if(payments, [now](Payment const& payment) { return payment.at >= now; });
     writeInvoice(context, account, invoice, issued, payments);

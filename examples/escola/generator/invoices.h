@@ -17,8 +17,9 @@ struct Account {
   int dueDay;        // of the month
 };
 
-/// Writes the twelve invoices of an enrolment's year, as far as they were issued, and what was paid on them. An
-/// invoice that is paid has received its value less the discount, plus the charges for being late.
+/// Writes the twelve invoices of an enrolment's year, as far as they were issued, and what was paid
+/// on them. An invoice that is paid has received its value less the discount, plus the charges for
+/// being late.
 void writeInvoices(Context& context, Account const& account);
 
 }  // namespace escola

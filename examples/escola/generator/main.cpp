@@ -27,22 +27,29 @@ struct Arguments {
 };
 
 void declare(CLI::App& program, Arguments& arguments) {
-  program.add_option("--database", arguments.build.url,
-                     "Database: sqlite:FILE or mariadb://user@host:port/name (?socket=PATH)")
+  program
+      .add_option("--database", arguments.build.url,
+                  "Database: sqlite:FILE or mariadb://user@host:port/name (?socket=PATH)")
       ->required();
-  program.add_option("--scale", arguments.scale,
-                     "Size: tiny, small, demo, medium (1 million grades), large (10 million), or a number of grades")
+  program
+      .add_option("--scale", arguments.scale,
+                  "Size: tiny, small, demo, medium (1 million grades), large (10 million), or a "
+                  "number of grades")
       ->capture_default_str();
   program.add_option("--seed", arguments.build.settings.seed, "Another seed gives another school")
       ->capture_default_str();
   program.add_option("--today", arguments.today,
                      "Last day of the ten school years, YYYY-MM-DD (default 2024-10-15)");
-  program.add_option("--password-env", arguments.passwordVariable,
-                     "Environment variable with the password of the database's user")
+  program
+      .add_option("--password-env", arguments.passwordVariable,
+                  "Environment variable with the password of the database's user")
       ->capture_default_str();
-  program.add_flag("--force", arguments.build.replace, "Replace the example's tables where they are there already");
-  program.add_flag("--checksum", arguments.checksum, "Print rows and checksum of each table afterwards");
-  program.add_flag("--only-checksum", arguments.onlyChecksum, "Generate nothing, print the checksums");
+  program.add_flag("--force", arguments.build.replace,
+                   "Replace the example's tables where they are there already");
+  program.add_flag("--checksum", arguments.checksum,
+                   "Print rows and checksum of each table afterwards");
+  program.add_flag("--only-checksum", arguments.onlyChecksum,
+                   "Generate nothing, print the checksums");
   program.add_flag("--quiet", arguments.quiet, "No progress and no summary");
 }
 
@@ -52,10 +59,12 @@ escola::Day parseDay(std::string const& text) {
   int day = 0;
   char rest = 0;
   bool const read = std::sscanf(text.c_str(), "%4d-%2d-%2d%c", &year, &month, &day, &rest) == 3;
-  std::chrono::year_month_day const date{std::chrono::year(year), std::chrono::month(static_cast<unsigned>(month)),
+  std::chrono::year_month_day const date{std::chrono::year(year),
+                                         std::chrono::month(static_cast<unsigned>(month)),
                                          std::chrono::day(static_cast<unsigned>(day))};
   if (!read || !date.ok() || year < 1990 || year > 9000) {
-    throw std::invalid_argument("--today '" + text + "' is no date like 2024-10-15 of the years 1990 to 9000");
+    throw std::invalid_argument("--today '" + text +
+                                "' is no date like 2024-10-15 of the years 1990 to 9000");
   }
   return date;
 }
@@ -98,13 +107,15 @@ class ProgressLine {
 void build(moxDatabaseConnection& connection, Arguments const& arguments) {
   ProgressLine line(!arguments.quiet && ::isatty(STDERR_FILENO) == 1);
   std::int64_t made = 0;
-  escola::buildExample(connection, arguments.build, [&](std::int64_t grades, std::int64_t expected) {
-    made = expected > 0 ? std::min(grades, expected) : grades;
-    line.show(grades, expected);
-  });
+  escola::buildExample(connection, arguments.build,
+                       [&](std::int64_t grades, std::int64_t expected) {
+                         made = expected > 0 ? std::min(grades, expected) : grades;
+                         line.show(grades, expected);
+                       });
   line.clear();
   if (!arguments.quiet) {
-    std::cerr << "The school is ready, with " << made << " grades in " << arguments.build.url << "\n";
+    std::cerr << "The school is ready, with " << made << " grades in " << arguments.build.url
+              << "\n";
   }
 }
 
@@ -132,8 +143,9 @@ int report(std::string const& sentence, int status) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  CLI::App program("Makes the database of a school network: the same content for the same seed, size and day.",
-                   "escola-generate");
+  CLI::App program(
+      "Makes the database of a school network: the same content for the same seed, size and day.",
+      "escola-generate");
   Arguments arguments;
   declare(program, arguments);
   try {

@@ -25,7 +25,8 @@ void writeUnits(RowSink& sink) {
     std::string const number = std::to_string(unit.id);
     sink.row(TableId::kUnits,
              {unit.id, unit.name, unit.city, unit.state, unit.headOffice,
-              "(" + std::string(unit.areaCode) + ") 3000-000" + number, "unidade" + number + "@rede.example",
+              "(" + std::string(unit.areaCode) + ") 3000-000" + number,
+              "unidade" + number + "@rede.example",
               unit.id == 5 ? kNull : Cell("Avenida Brasil, " + number + "00"), unit.weight * 60,
               dayOf(1980 + unit.id * 4, 2, 10 + unit.id), unitToken(unit.id)});
   }
@@ -33,9 +34,10 @@ void writeUnits(RowSink& sink) {
 
 void writeUsers(RowSink& sink) {
   for (User const& user : users()) {
-    sink.row(TableId::kUsers, {user.id, user.login, user.name, orNull(user.passwordHash), orNull(user.unit),
-                               user.worksByUnits, user.student, user.active,
-                               Moment(dayOf(2015, 1, 4 + user.id)) + std::chrono::minutes(525 + user.id)});
+    sink.row(TableId::kUsers,
+             {user.id, user.login, user.name, orNull(user.passwordHash), orNull(user.unit),
+              user.worksByUnits, user.student, user.active,
+              Moment(dayOf(2015, 1, 4 + user.id)) + std::chrono::minutes(525 + user.id)});
     for (int const unit : user.units) {
       sink.row(TableId::kUserUnits, {user.id, unit});
     }
@@ -48,7 +50,8 @@ void writeUsers(RowSink& sink) {
 void writeConfiguration(RowSink& sink, SchoolCalendar const& calendar) {
   std::string const begin = std::to_string(calendar.firstYear()) + "-02-01";
   std::string const later = std::to_string(calendar.firstYear() + 2) + "-02-01";
-  sink.row(TableId::kConfiguration, {1, "mox_genericos", "dataBaseUtilizacao", std::nullopt, begin});
+  sink.row(TableId::kConfiguration,
+           {1, "mox_genericos", "dataBaseUtilizacao", std::nullopt, begin});
   sink.row(TableId::kConfiguration, {2, "mox_genericos", "dataBaseUtilizacao", 5, later});
   sink.row(TableId::kConfiguration, {3, "escola", "mediaAprovacao", std::nullopt, "6.0"});
   sink.row(TableId::kConfiguration, {4, "escola", "mediaAprovacao", 6, "7.0"});
@@ -74,10 +77,14 @@ void writeFavourites(RowSink& sink) {
   sink.row(TableId::kFavouriteSections, {1, "Dia a dia", 1});
   sink.row(TableId::kFavouriteSections, {2, "Fim de mês", 1});
   sink.row(TableId::kFavouriteSections, {3, "Minhas turmas", 3});
-  sink.row(TableId::kFavourites, {1, 1, "Alunos", "escolaPesquisaAlunos", "aluno.svg", true, false});
-  sink.row(TableId::kFavourites, {2, 1, "Turmas", "escolaPesquisaTurmas", std::nullopt, false, false});
-  sink.row(TableId::kFavourites, {3, 2, "Faturas em aberto", "escolaPesquisaFaturas", "fatura.svg", false, true});
-  sink.row(TableId::kFavourites, {4, 3, "Notas da turma", "escolaPesquisaNotas", "nota.svg", true, true});
+  sink.row(TableId::kFavourites,
+           {1, 1, "Alunos", "escolaPesquisaAlunos", "aluno.svg", true, false});
+  sink.row(TableId::kFavourites,
+           {2, 1, "Turmas", "escolaPesquisaTurmas", std::nullopt, false, false});
+  sink.row(TableId::kFavourites,
+           {3, 2, "Faturas em aberto", "escolaPesquisaFaturas", "fatura.svg", false, true});
+  sink.row(TableId::kFavourites,
+           {4, 3, "Notas da turma", "escolaPesquisaNotas", "nota.svg", true, true});
 }
 
 void writeAreas(RowSink& sink) {
@@ -100,15 +107,15 @@ void writeAreas(RowSink& sink) {
 
 void writeCourses(RowSink& sink) {
   for (Course const& course : courses()) {
-    sink.row(TableId::kCourses, {course.id, course.name, course.level, course.years, course.monthlyFee,
-                                 orNull(course.headOffice)});
+    sink.row(TableId::kCourses, {course.id, course.name, course.level, course.years,
+                                 course.monthlyFee, orNull(course.headOffice)});
   }
   for (Subject const& subject : subjects()) {
-    std::string const content = unitToken(subject.unit) + " Conteúdos de " + std::string(subject.name) +
-                                " segundo o projeto pedagógico.";
-    sink.row(TableId::kSubjects,
-             {subject.id, subject.code, subject.name, fieldName(subject.field), subject.weeklyLessons,
-              orNull(subject.unit), subject.id % 4 == 0 ? kNull : Cell(content)});
+    std::string const content = unitToken(subject.unit) + " Conteúdos de " +
+                                std::string(subject.name) + " segundo o projeto pedagógico.";
+    sink.row(TableId::kSubjects, {subject.id, subject.code, subject.name, fieldName(subject.field),
+                                  subject.weeklyLessons, orNull(subject.unit),
+                                  subject.id % 4 == 0 ? kNull : Cell(content)});
   }
 }
 
@@ -136,8 +143,9 @@ void writeUnitEvents(Context& context, int year, int& id) {
                                         mark + "Reunião de pais e mestres", "reunião", true});
     context.sink.row(TableId::kEvents, {id++, unit.id, dayOf(year, 6, random.between(10, 28)),
                                         mark + "Festa junina", "festa", false});
-    context.sink.row(TableId::kEvents, {id++, unit.id, dayOf(year, 8, random.between(10, 28)),
-                                        mark + "Aniversário de " + std::string(unit.city), "feriado", false});
+    context.sink.row(TableId::kEvents,
+                     {id++, unit.id, dayOf(year, 8, random.between(10, 28)),
+                      mark + "Aniversário de " + std::string(unit.city), "feriado", false});
     context.sink.row(TableId::kEvents, {id++, unit.id, dayOf(year, 10, random.between(13, 30)),
                                         mark + "Feira de Ciências", "evento", true});
   }
@@ -147,8 +155,9 @@ void writeEvents(Context& context) {
   int id = 1;
   for (int year = context.calendar.firstYear(); year <= context.calendar.lastYear(); ++year) {
     for (Holiday const& holiday : kHolidays) {
-      context.sink.row(TableId::kEvents, {id++, std::nullopt, dayOf(year, holiday.month, holiday.day),
-                                          unitToken(0) + " " + std::string(holiday.name), "feriado", false});
+      context.sink.row(TableId::kEvents,
+                       {id++, std::nullopt, dayOf(year, holiday.month, holiday.day),
+                        unitToken(0) + " " + std::string(holiday.name), "feriado", false});
     }
     writeUnitEvents(context, year, id);
   }
@@ -185,8 +194,14 @@ Day openingOf(Context const& context) {
 void writeUnitStaff(Context& context, Unit const& unit) {
   for (int place = 0; place < kStaffPerUnit; ++place) {
     int const user = userOfStaff(unitStaffId(unit.id, place));
-    Employee employee{unit.id, unit.headOffice, user, "", roleOf(place), {place == 0 ? 980000 : 520000},
-                      openingOf(context), std::nullopt};
+    Employee employee{unit.id,
+                      unit.headOffice,
+                      user,
+                      "",
+                      roleOf(place),
+                      {place == 0 ? 980000 : 520000},
+                      openingOf(context),
+                      std::nullopt};
     if (user != 0) {
       employee.name = users()[static_cast<std::size_t>(user - 1)].name;
     }
@@ -212,15 +227,18 @@ int writeEmployee(Context& context, Employee const& employee) {
   Random random(context.settings.seed, Purpose::kStaff, static_cast<std::uint64_t>(id));
   std::string const drawn = fullName(random, random.chance(600));
   std::string_view const name = employee.name.empty() ? std::string_view(drawn) : employee.name;
+  int const place = employee.unit == 0 ? employee.headOffice : employee.unit;
+  std::string_view const areaCode = units()[static_cast<std::size_t>(place - 1)].areaCode;
   Day const hired = employee.hiredBy - std::chrono::days(random.below(3600));
   std::int64_t const salary = employee.salary.value * random.between(80, 135) / 100;
-  context.sink.row(TableId::kStaff,
-                   {id, orNull(employee.unit), employee.headOffice, orNull(employee.user), name,
-                    cpf(9'000'000 + id), employee.role,
-                    random.chance(100) ? kNull : Cell(email(name, id, "rede")),
-                    random.chance(150) ? kNull : Cell(phone(random, "81")), hired,
-                    employee.left, Hundredths{salary}, random.between(2, 10) * 4,
-                    unitToken(employee.unit) + (random.chance(150) ? " Licença prêmio a gozar." : "")});
+  context.sink.row(
+      TableId::kStaff,
+      {id, orNull(employee.unit), employee.headOffice, orNull(employee.user), name,
+       cpf(9'000'000 + id), employee.role,
+       random.chance(100) ? kNull : Cell(email(name, id, "rede")),
+       random.chance(150) ? kNull : Cell(phone(random, areaCode)), hired, employee.left,
+       Hundredths{salary}, random.between(2, 10) * 4,
+       unitToken(employee.unit) + (random.chance(150) ? " Licença prêmio a gozar." : "")});
   return id;
 }
 

@@ -8,11 +8,12 @@
 
 namespace escola {
 
-/// The rows that do not depend on the size: units, users, settings, panels, favourites, courses, subjects,
-/// calendar, and the staff that each unit has from the start.
+/// The rows that do not depend on the size: units, users, settings, panels, favourites, courses,
+/// subjects, calendar, and the staff that each unit has from the start.
 void writeNetworkRows(Context& context);
 
-/// Writes one employee and gives his identifier. `unit` 0 is staff of the whole network; `user` 0 is nobody.
+/// Writes one employee and gives his identifier. `unit` 0 is staff of the whole network; `user` 0
+/// is nobody.
 struct Employee {
   int unit = 0;
   int headOffice = 0;

@@ -22,21 +22,27 @@ int checkDigit(std::string_view digits) {
   return rest < 2 ? 0 : 11 - rest;
 }
 
-/// Letters with accents as the plain letter; two bytes each in UTF-8, all behind the lead byte 0xC3.
+/// Letters with accents as the plain letter; two bytes each in UTF-8, all behind the lead byte
+/// 0xC3.
 char plainLetter(unsigned char second) {
-  static constexpr std::array<std::pair<std::string_view, char>, 7> kLetters{{{"\xA0\xA1\xA2\xA3\x80\x81\x82\x83", 'a'},
-                                                                              {"\xA8\xA9\xAA\x88\x89\x8A", 'e'},
-                                                                              {"\xAC\xAD\x8C\x8D", 'i'},
-                                                                              {"\xB2\xB3\xB4\xB5\x93\x94\x95", 'o'},
-                                                                              {"\xB9\xBA\xBC\x9A\x9C", 'u'},
-                                                                              {"\xA7\x87", 'c'},
-                                                                              {"\xB1\x91", 'n'}}};
+  static constexpr std::array<std::pair<std::string_view, char>, 7> kLetters{
+      {{"\xA0\xA1\xA2\xA3\x80\x81\x82\x83", 'a'},
+       {"\xA8\xA9\xAA\x88\x89\x8A", 'e'},
+       {"\xAC\xAD\x8C\x8D", 'i'},
+       {"\xB2\xB3\xB4\xB5\x93\x94\x95", 'o'},
+       {"\xB9\xBA\xBC\x9A\x9C", 'u'},
+       {"\xA7\x87", 'c'},
+       {"\xB1\x91", 'n'}}};
   for (auto const& [seconds, letter] : kLetters) {
     if (seconds.find(static_cast<char>(second)) != std::string_view::npos) {
       return letter;
     }
   }
   return '-';
+}
+
+std::string_view lastWord(std::string_view text) {
+  return text.substr(text.rfind(' ') + 1);
 }
 
 std::string mailName(std::string_view name) {
@@ -93,35 +99,45 @@ std::string padded(std::int64_t number, int width) {
   return digits;
 }
 
-std::string fullName(Random& random, bool female) {
+std::string fullName(Random& random, bool female, std::string_view family) {
   std::string name(random.pick(female ? femaleNames() : maleNames()));
   int const count = random.chance(150) ? 3 : random.chance(700) ? 2 : 1;
   std::string_view previous;
   for (int place = 0; place < count; ++place) {
-    std::string_view const surname = random.pick(surnames());
-    if (surname == previous) {
-      continue;
+    std::string_view const drawn = random.pick(surnames());
+    std::string_view const surname = place + 1 == count && !family.empty() ? family : drawn;
+    if (lastWord(surname) != previous) {
+      name += " ";
+      name += surname;
     }
-    bool const withParticle = random.chance(120);
-    name += withParticle ? (random.chance(500) ? " da " : " de ") : " ";
-    name += surname;
-    previous = surname;
+    previous = lastWord(surname);
   }
   return name;
+}
+
+std::string_view familyOf(std::string_view name) {
+  std::string_view const last = lastWord(name);
+  std::string_view const before = name.substr(0, name.size() - last.size() - 1);
+  for (std::string_view const particle : {"da", "de", "do", "dos", "das"}) {
+    if (lastWord(before) == particle) {
+      return name.substr(name.size() - last.size() - 1 - particle.size());
+    }
+  }
+  return last;
 }
 
 std::string cpf(std::int64_t person) {
   std::string digits = "00" + padded(person % kPersonBound * kPersonSpread % kPersonBound, 7);
   digits += static_cast<char>('0' + checkDigit(digits));
   digits += static_cast<char>('0' + checkDigit(digits));
-  return digits.substr(0, 3) + "." + digits.substr(3, 3) + "." + digits.substr(6, 3) + "-" + digits.substr(9);
+  return digits.substr(0, 3) + "." + digits.substr(3, 3) + "." + digits.substr(6, 3) + "-" +
+         digits.substr(9);
 }
 
 std::string email(std::string_view name, std::int64_t id, std::string_view domain) {
   std::string_view const first = name.substr(0, name.find(' '));
-  std::string_view const last = name.substr(name.rfind(' ') + 1);
-  return mailName(first) + "." + mailName(last) + "." + std::to_string(id) + "@" + std::string(domain) +
-         ".example";
+  return mailName(first) + "." + mailName(lastWord(name)) + "." + std::to_string(id) + "@" +
+         std::string(domain) + ".example";
 }
 
 std::string phone(Random& random, std::string_view areaCode) {

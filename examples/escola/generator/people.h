@@ -8,11 +8,15 @@
 
 namespace escola {
 
-/// Given name and one to three surnames, as people in Brazil are called.
-std::string fullName(Random& random, bool female);
+/// Given name and one to three surnames, as people in Brazil are called; `family`, when it is not
+/// empty, is the last of them.
+std::string fullName(Random& random, bool female, std::string_view family = {});
 
-/// A registration number of a natural person, "000.000.000-00", with valid check digits. It always starts with
-/// "00", and it differs for each `person` from 0 to 9,999,999.
+/// The last surname, with the particle that belongs to it: "dos Santos".
+std::string_view familyOf(std::string_view name);
+
+/// A registration number of a natural person, "000.000.000-00", with valid check digits. It always
+/// starts with "00", and it differs for each `person` from 0 to 9,999,999.
 std::string cpf(std::int64_t person);
 
 /// Address in a domain that is kept free for examples: "ana.araujo.17@familia.example".

@@ -5,12 +5,13 @@
 
 namespace escola {
 
-/// What a sequence of numbers is drawn for. Every thing of the example draws from a sequence of its own, named
-/// by seed, purpose and identifier: a thing that is added, or a field that one draws more, shifts no other.
+/// What a sequence of numbers is drawn for. Every thing of the example draws from a sequence of its
+/// own, named by seed, purpose and identifier: a thing that is added, or a field that one draws
+/// more, shifts no other.
 enum class Purpose : std::uint64_t { kStaff = 1, kCohort, kStudent, kEnrolment, kPayer, kEvent };
 
-/// Small deterministic generator. The standard library's distributions may differ from one library to the
-/// next, so every draw is made here of whole numbers.
+/// Small deterministic generator. The standard library's distributions may differ from one library
+/// to the next, so every draw is made here of whole numbers.
 class Random {
  public:
   Random(std::uint64_t seed, Purpose purpose, std::uint64_t id, std::uint64_t part = 0) {
@@ -32,8 +33,8 @@ class Random {
 
   bool chance(int perMille) { return below(1000) < perMille; }
 
-  /// Around `mean`, the likelier the nearer, never further than twice `spread`; the standard deviation is
-  /// about 0.58 `spread`.
+  /// Around `mean`, the likelier the nearer, never further than twice `spread`; the standard
+  /// deviation is about 0.58 `spread`.
   int bell(int mean, int spread) {
     int sum = 0;
     for (int draw = 0; draw < 4; ++draw) {

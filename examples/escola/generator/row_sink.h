@@ -8,8 +8,8 @@
 
 namespace escola {
 
-/// Where generated rows go. Rows of one table come in ascending order of its key; rows of different tables
-/// come mixed, so a row may come before one that it refers to.
+/// Where generated rows go. Rows of one table come in ascending order of its key; rows of different
+/// tables come mixed, so a row may come before one that it refers to.
 class RowSink {
  public:
   virtual ~RowSink() = default;

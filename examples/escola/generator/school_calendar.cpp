@@ -34,7 +34,8 @@ Day SchoolCalendar::classesBegin(int year) const {
 }
 
 Day SchoolCalendar::bimesterEnd(int year, int bimester) const {
-  static constexpr std::array<std::array<int, 2>, kBimesters> kEnds{{{4, 18}, {6, 30}, {9, 27}, {12, 11}}};
+  static constexpr std::array<std::array<int, 2>, kBimesters> kEnds{
+      {{4, 18}, {6, 30}, {9, 27}, {12, 11}}};
   auto const [month, day] = kEnds[static_cast<std::size_t>(bimester - 1)];
   return workingDay(dayOf(year, month, day));
 }

@@ -7,7 +7,8 @@ namespace escola {
 inline constexpr int kSchoolYears = 10;
 inline constexpr int kBimesters = 4;
 
-/// The ten school years that end with the one of `today`, the day on which the database shows the school.
+/// The ten school years that end with the one of `today`, the day on which the database shows the
+/// school.
 class SchoolCalendar {
  public:
   explicit SchoolCalendar(Day today) : today_(today) {}
