@@ -25,7 +25,9 @@ class moxReadBlob;
 /// Columns and matrices come from the registry, so a test host must stand behind moxApp.
 namespace mox_test {
 
-struct Null {};
+struct Null {
+  bool operator==(Null const&) const = default;
+};
 inline constexpr Null null;
 
 /// A cell as a test writes it; Null is the null cell.

@@ -3,7 +3,8 @@
 #include <cmath>
 #include <memory>
 #include <stdexcept>
-#include <type_traits>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include "mox/core/application.h"
@@ -56,7 +57,8 @@ void bindCell(Statement& statement, int position, int value) {
   statement.bindInt(position, value);
 }
 void bindCell(Statement& statement, int position, double value) {
-  statement.bindDouble(position, value);
+  // A database knows no NaN: SQLite would store a null, MariaDB refuse the row.
+  std::isnan(value) ? statement.bindNull(position) : statement.bindDouble(position, value);
 }
 void bindCell(Statement& statement, int position, std::string_view value) {
   statement.bindString(position, value);

@@ -5,8 +5,9 @@
 class moxDataMatrix;
 
 /// Writes the matrix into a temporary table of the application's database, which replaces one of
-/// that name: a column of the table for each column, in order, and rowCount() rows, nulls as nulls.
-/// The table belongs to the calling thread's connection. Names that cannot stand bare are quoted.
+/// that name: a column of the table for each column, in order, and rowCount() rows, nulls and NaN
+/// as nulls. The table belongs to the calling thread's connection. Names that cannot stand bare are
+/// quoted.
 ///
 /// A matrix without columns writes nothing, as no table is without columns. Throws the connection's
 /// moxError for what the database refuses, such as two columns of one name, or a text too long for

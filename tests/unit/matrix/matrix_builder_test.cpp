@@ -4,9 +4,17 @@
 
 #include <cmath>
 
+#include "support/test_host.h"
+
 using namespace mox_test;
 
-TEST(MatrixBuilder, MakesEveryKindOfColumn) {
+namespace {
+
+class MatrixBuilder : public testing::Test {
+  TestHost host_;
+};
+
+TEST_F(MatrixBuilder, MakesEveryKindOfColumn) {
   auto const made = matrix({{"i", ints(1, null)},
                             {"d", doubles(0.5, NAN)},
                             {"t", texts("a", null)},
@@ -21,13 +29,13 @@ TEST(MatrixBuilder, MakesEveryKindOfColumn) {
             "  null   nan       null    2024-03-05 10:20:30  null     \n");
 }
 
-TEST(MatrixBuilder, TakesVectorsOfOptionals) {
+TEST_F(MatrixBuilder, TakesVectorsOfOptionals) {
   std::vector<std::optional<int>> const cells = {1, std::nullopt};
 
   EXPECT_THAT(matrix({{"k", ints(cells)}}), isMatrix({{"k", ints(1, null)}}));
 }
 
-TEST(MatrixBuilder, ComparisonSaysWhichCellDiffers) {
+TEST_F(MatrixBuilder, ComparisonSaysWhichCellDiffers) {
   auto const result = sameMatrix(*matrix({{"k", ints(1, 2)}}), *matrix({{"k", ints(1, null)}}));
 
   EXPECT_FALSE(result);
@@ -35,7 +43,7 @@ TEST(MatrixBuilder, ComparisonSaysWhichCellDiffers) {
               testing::StartsWith("column 0 \"k\", row 1: 2, expected null\nactual:\n"));
 }
 
-TEST(MatrixBuilder, ComparisonSeesNamesKindsLengthsAndColumns) {
+TEST_F(MatrixBuilder, ComparisonSeesNamesKindsLengthsAndColumns) {
   auto const expected = matrix({{"k", ints(1)}});
 
   EXPECT_FALSE(sameMatrix(*matrix({{"K", ints(1)}}), *expected));
@@ -45,8 +53,10 @@ TEST(MatrixBuilder, ComparisonSeesNamesKindsLengthsAndColumns) {
   EXPECT_TRUE(sameMatrix(*matrix({{"k", ints(1)}}), *expected));
 }
 
-TEST(MatrixBuilder, ComparisonTakesNaNForNaNAndBlobsByTheirBytes) {
+TEST_F(MatrixBuilder, ComparisonTakesNaNForNaNAndBlobsByTheirBytes) {
   EXPECT_THAT(matrix({{"d", doubles(NAN)}}), isMatrix({{"d", doubles(NAN)}}));
   EXPECT_THAT(matrix({{"b", blobs("x")}}), isMatrix({{"b", blobs("x")}}));
   EXPECT_FALSE(sameMatrix(*matrix({{"b", blobs("x")}}), *matrix({{"b", blobs("y")}})));
 }
+
+}  // namespace
