@@ -1,0 +1,43 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <string_view>
+
+#include "fuzz/targets.h"
+
+namespace mox::fuzz {
+namespace {
+
+/// Gives every file of a corpus to its target; how many there were.
+int replay(std::string const& corpus, void (*target)(std::string_view)) {
+  int count = 0;
+  for (auto const& entry : std::filesystem::directory_iterator(
+           std::filesystem::path(TEST_DATA_DIR) / ".." / "fuzz" / "corpus" / corpus)) {
+    SCOPED_TRACE(entry.path().string());
+    std::ifstream file(entry.path(), std::ios::binary);
+    std::string const bytes{std::istreambuf_iterator<char>(file), {}};
+    EXPECT_NO_THROW(target(bytes));
+    ++count;
+  }
+  return count;
+}
+
+// The targets abort on a broken promise, so that to come back is to pass.
+
+TEST(FuzzCorpus, XmlFilesReplay) {
+  EXPECT_GE(replay("xml", readXml), 10);
+}
+
+TEST(FuzzCorpus, JsonFilesReplay) {
+  EXPECT_GE(replay("json", readJson), 10);
+}
+
+TEST(FuzzCorpus, CompressedFilesReplay) {
+  EXPECT_GE(replay("decompress", decompress), 10);
+}
+
+}  // namespace
+}  // namespace mox::fuzz
