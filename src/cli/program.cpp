@@ -21,15 +21,19 @@ namespace {
 
 constexpr int kFailed = 1;
 constexpr int kBadUsage = 2;
-constexpr int kHelpColumn = 34;
+constexpr int kHelpColumn = 28;
 
 constexpr char const* kDescription =
     "Asks a database through the zyn module and prints what it answers.\n";
 constexpr char const* kFooter =
-    "\nThe global options may also stand behind the command. Settings are read from the file given "
-    "by --config or\n"
-    "by ZYN_CONFIG, else from zyn.toml in the working directory, else from /etc/zyn/zyn.toml.\n"
-    "Exit status: 0 done, 1 failed (one line on standard error says why), 2 called wrongly.";
+    "\nThe options above may also stand behind the command. Settings are read from\n"
+    "the file given by --config or by ZYN_CONFIG, else from zyn.toml in the working\n"
+    "directory, else from /etc/zyn/zyn.toml.\n"
+    "Exit status: 0 done; 1 failed, one line on standard error says why; 2 called\n"
+    "wrongly.";
+constexpr char const* kShortHelp =
+    "usage: zyn [OPTIONS] COMMAND\n"
+    "commands: classes, sql; zyn --help tells more, zyn COMMAND --help all of one\n";
 
 /// The line's one write keeps it whole beside the output of other programs.
 void reportFailure(std::string const& line) {
@@ -51,11 +55,14 @@ class Program {
     parser_.set_version_flag("--version", "zyn " ZYN_VERSION, "Print the version and exit");
     parser_.footer(kFooter);
     parser_.get_formatter()->column_width(kHelpColumn);
+    parser_.get_formatter()->label("SUBCOMMAND", "COMMAND");
+    parser_.get_formatter()->label("Positionals", "Arguments");
     parser_.require_subcommand(0, 1);
     parser_.fallthrough();
     addGlobalOptions();
     commands_ = {addClassesCommand(parser_), addSqlCommand(parser_)};
     for (auto const& command : commands_) {
+      command.parser->group("Commands");
       command.parser->footer(command.parser->get_footer() +
                              "\nSee zyn --help for the global options.");
     }
@@ -65,7 +72,7 @@ class Program {
     try {
       parser_.parse(argc, argv);
     } catch (CLI::CallForHelp const&) {
-      printOut(parser_.help());
+      printOut(helpText());
       return 0;
     } catch (CLI::CallForVersion const& version) {
       printOut(std::string(version.what()) + "\n");
@@ -85,16 +92,19 @@ class Program {
  private:
   void addGlobalOptions() {
     parser_.add_option("--config", options_.config, "Read the settings from FILE")
-        ->type_name("FILE");
-    parser_
-        .add_option("--user", options_.user,
-                    "Log in as the user NAME of the settings or the database")
-        ->type_name("NAME");
-    parser_.add_option("--unit", options_.units, "Work for the business unit ID; may be repeated")
-        ->type_name("ID")
+        ->option_text("FILE");
+    parser_.add_option("--user", options_.user, "Log in as NAME, a user of settings or database")
+        ->option_text("NAME");
+    parser_.add_option("--unit", options_.units, "Work for the business unit ID (repeatable)")
+        ->option_text("ID")
         ->allow_extra_args(false)
         ->check(CLI::Range(1, std::numeric_limits<int>::max()));
     parser_.add_flag("--quiet", options_.quiet, "Print neither progress nor row counts");
+  }
+
+  std::string helpText() {
+    std::string help = parser_.help();
+    return help.ends_with('\n') ? help : help + "\n";
   }
 
   int runChosen() {
@@ -104,8 +114,7 @@ class Program {
         return 0;
       }
     }
-    std::string const help = parser_.help();
-    std::fwrite(help.data(), 1, help.size(), stderr);
+    std::fputs(kShortHelp, stderr);
     return kBadUsage;
   }
 

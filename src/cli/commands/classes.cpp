@@ -44,9 +44,8 @@ void runClasses(GlobalOptions const& globals, OutputOptions const& output) {
 Command addClassesCommand(CLI::App& program) {
   auto* const parser = program.add_subcommand("classes", "List the classes of the registry");
   parser->footer(
-      "\nThe classes come in the order of their registration, each with the kind of its container, "
-      "the library that\n"
-      "brought it, and whether the session may use it.");
+      "\nThe classes come in the order of their registration, each with the kind of its\n"
+      "container, the library that brought it, and whether the session may use it.");
   auto const output = std::make_shared<OutputOptions>();
   addOutputOptions(*parser, *output);
   return {parser, [output](GlobalOptions const& globals) { runClasses(globals, *output); }};

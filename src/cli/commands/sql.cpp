@@ -215,33 +215,38 @@ void addStatementOptions(CLI::App& parser, SqlOptions& options) {
   parser
       .add_option("STATEMENT", options.statement, "The statement; - reads it from standard input")
       ->required()
-      ->type_name("");
+      ->option_text(" ");
   options.bind =
-      parser.add_option("--bind", "A value for the next ? of the statement; may be repeated");
-  options.bind->type_name("[TYPE:]VALUE")->allow_extra_args(false);
+      parser.add_option("--bind", "A value for the next ? of the statement\n(repeatable)");
+  options.bind->option_text("[TYPE:]VALUE")
+      ->expected(1, CLI::detail::expected_max_vector_size)
+      ->allow_extra_args(false);
   parser
       .add_option("--sort", options.sort,
-                  "Sort by these columns of the result; quote a name that holds a comma")
-      ->type_name("COLUMN[:desc],...")
+                  "Sort by columns of the result; one with a\n"
+                  "comma in its name stands in double quotes")
+      ->option_text("COLUMN[:desc],...")
       ->allow_extra_args(false);
-  parser.add_option("--limit", options.limit, "Write the first N rows only")->type_name("N");
+  parser.add_option("--limit", options.limit, "Write the first N rows only")->option_text("N");
 }
 
 void addUnitOptions(CLI::App& parser, SqlOptions& options) {
   auto* const column = parser
                            .add_option("--unit-column", options.unitColumn,
-                                       "Keep to rows whose business unit, in this column, is one "
-                                       "of --unit or the user's own")
-                           ->type_name("TABLE.COLUMN");
+                                       "Keep to rows whose business unit, in this\n"
+                                       "column, is one of --unit or the user's own")
+                           ->option_text("[TABLE.]COLUMN");
   parser
       .add_flag("--unit-may-be-null", options.unitMayBeNull,
                 "Rows that belong to no unit are everybody's")
-      ->needs(column);
+      ->needs(column)
+      ->option_text(" ");
   parser
       .add_option("--where-word", options.whereWord,
-                  "Joins the condition on the unit to the statement: where, or and behind a where "
-                  "of its own")
-      ->type_name("WORD")
+                  "Joins the condition on the unit to the\n"
+                  "statement: where, or and when the statement\n"
+                  "has a where already")
+      ->option_text("WORD")
       ->check(CLI::IsMember({"where", "and"}))
       ->needs(column);
 }
@@ -251,9 +256,9 @@ void addUnitOptions(CLI::App& parser, SqlOptions& options) {
 Command addSqlCommand(CLI::App& program) {
   auto* const parser = program.add_subcommand("sql", "Run a statement and print its rows");
   parser->footer(
-      "\nTYPE is int, double, text or date (YYYY-MM-DD); the word null binds a null. Without a "
-      "type, what is written\n"
-      "like a number is one, and all else is a text. Behind -- a statement may start with a dash.");
+      "\nTYPE is int, double, text or date (YYYY-MM-DD); the word null binds a null.\n"
+      "Without a type, what is written like a number is one, and all else is a text.\n"
+      "Behind -- a statement may start with a dash.");
   auto const options = std::make_shared<SqlOptions>();
   addStatementOptions(*parser, *options);
   addOutputOptions(*parser, options->output);

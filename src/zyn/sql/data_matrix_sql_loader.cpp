@@ -260,6 +260,9 @@ void DataMatrixSQLLoader::initFetchColumns(
 
 void DataMatrixSQLLoader::fetchRows(Statement const& statement) const {
   matrix_->clearData();
+  if (statement->fieldCount() == 0) {  // an insert, say: there is nothing to fetch, not even an end
+    return;
+  }
   auto const expectedRows = rowsToReserve(*statement);
   if (expectedRows > 0) {
     matrix_->reserve(static_cast<unsigned int>(expectedRows));
