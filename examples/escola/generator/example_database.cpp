@@ -21,6 +21,10 @@ using Statement = moxDatabaseConnection::PreparedStatement;
 
 constexpr int kRowsPerServerStatement = 200;
 
+/// A server's database may have been made with an alphabet that has no room for the names.
+constexpr std::string_view kServerTableOptions =
+    " engine=InnoDB default character set utf8mb4 collate utf8mb4_unicode_ci";
+
 bool isServer(std::string const& url) {
   return mox::core::parseDatabaseUrl(url).kind == DatabaseUrl::Kind::kMariadb;
 }
@@ -35,9 +39,10 @@ std::vector<std::string> statementsOf(std::string_view text) {
   return statements;
 }
 
-void executeAll(moxDatabaseConnection& connection, std::string_view text) {
+void executeAll(moxDatabaseConnection& connection, std::string_view text,
+                std::string_view options = {}) {
   for (std::string const& statement : statementsOf(text)) {
-    connection.execute(statement);
+    connection.execute(statement + std::string(options));
   }
 }
 
@@ -92,7 +97,7 @@ void dropAfterFailure(moxDatabaseConnection& connection, bool server) noexcept {
 
 void fill(moxDatabaseConnection& connection, BuildOptions const& options, bool server,
           Progress const& progress) {
-  executeAll(connection, tablesSchema());
+  executeAll(connection, tablesSchema(), server ? kServerTableOptions : std::string_view());
   DatabaseWriter writer(connection, server ? kRowsPerServerStatement : 1);
   generate(options.settings, options.scale, writer, progress);
   writer.finish();

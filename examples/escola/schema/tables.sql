@@ -1,5 +1,5 @@
--- Tables of the school network, in statements that SQLite and MariaDB both take.
--- What stands in /*! ... */ is read by MariaDB alone and is a comment elsewhere.
+-- Tables of the school network, in statements that SQLite and MariaDB both take. On MariaDB they belong into a
+-- database of the character set utf8mb4; the generator adds that to each of them.
 -- A statement ends with a semicolon at the end of its line; tables stand in the order of their references.
 
 -- Units, users and what the application itself keeps.
@@ -17,7 +17,7 @@ create table ambiente_unidades (
   data_abertura date not null,
   observacao text,
   foreign key (id_unidadematriz) references ambiente_unidades (id)
-) /*! engine=InnoDB default character set utf8mb4 collate utf8mb4_unicode_ci */;
+);
 
 create table ambiente_usuarios (
   id integer not null primary key,
@@ -31,7 +31,7 @@ create table ambiente_usuarios (
   criado_em datetime not null,
   unique (login),
   foreign key (id_unidadepadrao) references ambiente_unidades (id)
-) /*! engine=InnoDB default character set utf8mb4 collate utf8mb4_unicode_ci */;
+);
 
 create table ambiente_usuariosunidades (
   id_usuario integer not null,
@@ -39,14 +39,14 @@ create table ambiente_usuariosunidades (
   primary key (id_usuario, id_unidade),
   foreign key (id_usuario) references ambiente_usuarios (id),
   foreign key (id_unidade) references ambiente_unidades (id)
-) /*! engine=InnoDB default character set utf8mb4 collate utf8mb4_unicode_ci */;
+);
 
 create table ambiente_usuariosbibliotecas (
   id_usuario integer not null,
   biblioteca varchar(40) not null,
   primary key (id_usuario, biblioteca),
   foreign key (id_usuario) references ambiente_usuarios (id)
-) /*! engine=InnoDB default character set utf8mb4 collate utf8mb4_unicode_ci */;
+);
 
 create table ambiente_configuracoes (
   id integer not null primary key,
@@ -55,14 +55,14 @@ create table ambiente_configuracoes (
   id_unidade integer,
   valor text,
   foreign key (id_unidade) references ambiente_unidades (id)
-) /*! engine=InnoDB default character set utf8mb4 collate utf8mb4_unicode_ci */;
+);
 
 create table ambiente_paineisindicador (
   id integer not null primary key,
   descricao varchar(80) not null,
   id_unidadenegociomatriz integer not null,
   foreign key (id_unidadenegociomatriz) references ambiente_unidades (id)
-) /*! engine=InnoDB default character set utf8mb4 collate utf8mb4_unicode_ci */;
+);
 
 create table ambiente_indicadorespainelindicador (
   id integer not null primary key,
@@ -70,14 +70,14 @@ create table ambiente_indicadorespainelindicador (
   dataprocessor varchar(120) not null,
   ordem integer not null,
   foreign key (id_painelindicador) references ambiente_paineisindicador (id)
-) /*! engine=InnoDB default character set utf8mb4 collate utf8mb4_unicode_ci */;
+);
 
 create table ambiente_secoesfavorito (
   id integer not null primary key,
   descricao varchar(80) not null,
   id_usuario integer not null,
   foreign key (id_usuario) references ambiente_usuarios (id)
-) /*! engine=InnoDB default character set utf8mb4 collate utf8mb4_unicode_ci */;
+);
 
 create table ambiente_favoritos (
   id integer not null primary key,
@@ -88,13 +88,13 @@ create table ambiente_favoritos (
   telainicial integer not null,
   abrir integer not null,
   foreign key (id_secaofavorito) references ambiente_secoesfavorito (id)
-) /*! engine=InnoDB default character set utf8mb4 collate utf8mb4_unicode_ci */;
+);
 
 create table genericos_areasusuario (
   id integer not null primary key,
   codigo varchar(30) not null,
   descricao varchar(80) not null
-) /*! engine=InnoDB default character set utf8mb4 collate utf8mb4_unicode_ci */;
+);
 
 create table genericos_areasusuariousuario (
   id_areausuario integer not null,
@@ -102,7 +102,7 @@ create table genericos_areasusuariousuario (
   primary key (id_areausuario, id_usuario),
   foreign key (id_areausuario) references genericos_areasusuario (id),
   foreign key (id_usuario) references ambiente_usuarios (id)
-) /*! engine=InnoDB default character set utf8mb4 collate utf8mb4_unicode_ci */;
+);
 
 create table ambiente_pluginsrecomendado (
   id integer not null primary key,
@@ -110,7 +110,7 @@ create table ambiente_pluginsrecomendado (
   icone varchar(60),
   id_areausuario integer,
   foreign key (id_areausuario) references genericos_areasusuario (id)
-) /*! engine=InnoDB default character set utf8mb4 collate utf8mb4_unicode_ci */;
+);
 
 create table desempenho_alunosturma (
   id integer not null primary key,
@@ -119,7 +119,7 @@ create table desempenho_alunosturma (
   datalimiteacesso date,
   foreign key (id_usuario) references ambiente_usuarios (id),
   foreign key (id_unidade) references ambiente_unidades (id)
-) /*! engine=InnoDB default character set utf8mb4 collate utf8mb4_unicode_ci */;
+);
 
 -- What is taught, by whom, and when.
 
@@ -131,7 +131,7 @@ create table escola_cursos (
   mensalidade decimal(10,2) not null,
   id_unidadematriz integer,
   foreign key (id_unidadematriz) references ambiente_unidades (id)
-) /*! engine=InnoDB default character set utf8mb4 collate utf8mb4_unicode_ci */;
+);
 
 create table escola_disciplinas (
   id integer not null primary key,
@@ -142,7 +142,7 @@ create table escola_disciplinas (
   id_unidade integer,
   ementa text,
   foreign key (id_unidade) references ambiente_unidades (id)
-) /*! engine=InnoDB default character set utf8mb4 collate utf8mb4_unicode_ci */;
+);
 
 create table escola_eventos (
   id integer not null primary key,
@@ -152,7 +152,7 @@ create table escola_eventos (
   tipo varchar(20) not null,
   dia_letivo integer not null,
   foreign key (id_unidade) references ambiente_unidades (id)
-) /*! engine=InnoDB default character set utf8mb4 collate utf8mb4_unicode_ci */;
+);
 
 create table escola_funcionarios (
   id integer not null primary key,
@@ -172,7 +172,7 @@ create table escola_funcionarios (
   foreign key (id_unidade) references ambiente_unidades (id),
   foreign key (id_unidadematriz) references ambiente_unidades (id),
   foreign key (id_usuario) references ambiente_usuarios (id)
-) /*! engine=InnoDB default character set utf8mb4 collate utf8mb4_unicode_ci */;
+);
 
 create table escola_turmas (
   id integer not null primary key,
@@ -192,7 +192,7 @@ create table escola_turmas (
   foreign key (id_unidade) references ambiente_unidades (id),
   foreign key (id_curso) references escola_cursos (id),
   foreign key (id_professorresponsavel) references escola_funcionarios (id)
-) /*! engine=InnoDB default character set utf8mb4 collate utf8mb4_unicode_ci */;
+);
 
 create table escola_turmasdisciplinas (
   id_turma integer not null,
@@ -202,7 +202,7 @@ create table escola_turmasdisciplinas (
   foreign key (id_turma) references escola_turmas (id),
   foreign key (id_disciplina) references escola_disciplinas (id),
   foreign key (id_professor) references escola_funcionarios (id)
-) /*! engine=InnoDB default character set utf8mb4 collate utf8mb4_unicode_ci */;
+);
 
 -- Students and all that their years leave behind.
 
@@ -214,7 +214,7 @@ create table escola_responsaveis (
   telefone varchar(20) not null,
   email varchar(120),
   profissao varchar(60)
-) /*! engine=InnoDB default character set utf8mb4 collate utf8mb4_unicode_ci */;
+);
 
 create table escola_alunos (
   id integer not null primary key,
@@ -241,7 +241,7 @@ create table escola_alunos (
   foreign key (id_unidade) references ambiente_unidades (id),
   foreign key (id_responsavel) references escola_responsaveis (id),
   foreign key (id_usuario) references ambiente_usuarios (id)
-) /*! engine=InnoDB default character set utf8mb4 collate utf8mb4_unicode_ci */;
+);
 
 create table escola_matriculas (
   id integer not null primary key,
@@ -258,7 +258,7 @@ create table escola_matriculas (
   foreign key (id_unidade) references ambiente_unidades (id),
   foreign key (id_aluno) references escola_alunos (id),
   foreign key (id_turma) references escola_turmas (id)
-) /*! engine=InnoDB default character set utf8mb4 collate utf8mb4_unicode_ci */;
+);
 
 create table escola_notas (
   id integer not null primary key,
@@ -273,7 +273,7 @@ create table escola_notas (
   diario varchar(24) not null,
   foreign key (id_matricula) references escola_matriculas (id),
   foreign key (id_disciplina) references escola_disciplinas (id)
-) /*! engine=InnoDB default character set utf8mb4 collate utf8mb4_unicode_ci */;
+);
 
 create table escola_frequencias (
   id integer not null primary key,
@@ -284,7 +284,7 @@ create table escola_frequencias (
   faltas integer,
   justificadas integer,
   foreign key (id_matricula) references escola_matriculas (id)
-) /*! engine=InnoDB default character set utf8mb4 collate utf8mb4_unicode_ci */;
+);
 
 create table escola_faturas (
   id integer not null primary key,
@@ -299,7 +299,7 @@ create table escola_faturas (
   emitida_em datetime not null,
   descricao varchar(60) not null,
   foreign key (id_matricula) references escola_matriculas (id)
-) /*! engine=InnoDB default character set utf8mb4 collate utf8mb4_unicode_ci */;
+);
 
 create table escola_pagamentos (
   id integer not null primary key,
@@ -311,4 +311,4 @@ create table escola_pagamentos (
   forma varchar(12) not null,
   documento varchar(40) not null,
   foreign key (id_fatura) references escola_faturas (id)
-) /*! engine=InnoDB default character set utf8mb4 collate utf8mb4_unicode_ci */;
+);
