@@ -3,6 +3,8 @@
 #include <memory>
 
 #include "core/app/host_container.h"
+#include "core/documents/json_document.h"
+#include "core/documents/xml_document.h"
 #include "core/storage/adapter_blob.h"
 #include "core/storage/blob.h"
 #include "core/storage/file_operations.h"
@@ -22,6 +24,8 @@ void enter(moxPluginRegistry& registry, char const* registeredName) {
 
 void registerHostClasses(moxPluginRegistry& registry) {
   registry.setLibraryName(kHostLibraryName);
+  enter<XmlDocument>(registry, "moxXMLDocument");
+  enter<JsonDocument>(registry, "moxJsonDocument");
   enter<Blob>(registry, "moxBlob");
   enter<AdapterBlob>(registry, "moxAdapterBlob");
   enter<ZCompress>(registry, "moxZCompress");

@@ -135,14 +135,14 @@ void ModuleLoader::load(std::filesystem::path const& path) {
   demandValidity(points, name);
   claim(points, name);
   file.keep();
-  enter(points, name);
+  enterOrRelease(points, name);
 }
 
 void ModuleLoader::add(moxModuleEntryPoints const& points, std::string const& name) {
   demandVersion(points, name);
   demandValidity(points, name);
   claim(points, name);
-  enter(points, name);
+  enterOrRelease(points, name);
 }
 
 void ModuleLoader::claim(moxModuleEntryPoints const& points, std::string const& name) {
@@ -152,6 +152,16 @@ void ModuleLoader::claim(moxModuleEntryPoints const& points, std::string const& 
     refuse(name, owner->second == this
                      ? "was loaded already"
                      : "works for another application of this program; end that one first");
+  }
+}
+
+void ModuleLoader::enterOrRelease(moxModuleEntryPoints const& points, std::string const& name) {
+  try {
+    enter(points, name);
+  } catch (...) {
+    std::lock_guard const lock(claims().mutex);
+    claims().owners.erase(points.entryPoint);
+    throw;
   }
 }
 

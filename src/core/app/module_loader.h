@@ -38,6 +38,7 @@ class ModuleLoader {
 
  private:
   void claim(moxModuleEntryPoints const& entryPoints, std::string const& name);
+  void enterOrRelease(moxModuleEntryPoints const& entryPoints, std::string const& name);
   void enter(moxModuleEntryPoints const& entryPoints, std::string const& name);
 
   VELMORApplication& application_;
