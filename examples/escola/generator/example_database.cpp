@@ -63,18 +63,53 @@ std::vector<std::string> existingTables(moxDatabaseConnection& connection, bool 
   return names;
 }
 
+/// Settings of a line that make it fast for rows in bulk, and slow or careless for other work.
 /// References are good by the way rows are made, and a row may come before the one that it refers
 /// to; waiting for the disk after each transaction is no use for a file that can be made again.
-void setBulkMode(moxDatabaseConnection& connection, bool server, bool on) {
-  if (server) {
-    connection.execute(std::string("set foreign_key_checks=") + (on ? "0" : "1"));
-    connection.execute(std::string("set unique_checks=") + (on ? "0" : "1"));
-  } else {
-    connection.execute(std::string("pragma foreign_keys=") + (on ? "off" : "on"));
-    connection.execute(std::string("pragma synchronous=") + (on ? "off" : "full"));
-    connection.execute(std::string("pragma cache_size=") + (on ? "-65536" : "-2000"));
+class BulkMode {
+ public:
+  BulkMode(moxDatabaseConnection& connection, bool server)
+      : connection_(connection), settings_(server ? serverSettings() : embeddedSettings()) {
+    for (Setting& setting : settings_) {
+      setting.before = read(setting.query);
+      connection_.execute(setting.assignment + setting.bulkValue);
+    }
   }
-}
+
+  void restore() {
+    for (Setting const& setting : settings_) {
+      connection_.execute(setting.assignment + setting.before);
+    }
+  }
+
+ private:
+  struct Setting {
+    std::string query;
+    std::string assignment;
+    std::string bulkValue;
+    std::string before;
+  };
+
+  static std::vector<Setting> serverSettings() {
+    return {{"select @@foreign_key_checks", "set foreign_key_checks=", "0", ""},
+            {"select @@unique_checks", "set unique_checks=", "0", ""}};
+  }
+
+  static std::vector<Setting> embeddedSettings() {
+    return {{"pragma foreign_keys", "pragma foreign_keys=", "0", ""},
+            {"pragma synchronous", "pragma synchronous=", "0", ""},
+            {"pragma cache_size", "pragma cache_size=", "-65536", ""}};
+  }
+
+  std::string read(std::string const& query) {
+    auto const statement = connection_.prepare(query);
+    statement->execute();
+    return statement->fetch() ? std::string(statement->getString(0)) : std::string("1");
+  }
+
+  moxDatabaseConnection& connection_;
+  std::vector<Setting> settings_;
+};
 
 void dropTables(moxDatabaseConnection& connection) {
   for (Table const& table : allTables() | std::views::reverse) {
@@ -83,14 +118,14 @@ void dropTables(moxDatabaseConnection& connection) {
 }
 
 /// After a failure: the first error is the one to tell, so those of tidying up are not.
-void dropAfterFailure(moxDatabaseConnection& connection, bool server) noexcept {
+void dropAfterFailure(moxDatabaseConnection& connection, BulkMode& bulkMode) noexcept {
   try {
     connection.execute("rollback");
   } catch (...) {  // nothing was begun
   }
   try {
     dropTables(connection);
-    setBulkMode(connection, server, false);
+    bulkMode.restore();
   } catch (...) {  // the line is gone
   }
 }
@@ -193,13 +228,13 @@ void buildExample(moxDatabaseConnection& connection, BuildOptions const& options
     throw moxDefaultErrorImpl<moxError>("The database already has the table " + existing.front() +
                                         "; --force drops the example's tables and makes them anew");
   }
-  setBulkMode(connection, server, true);
+  BulkMode bulkMode(connection, server);
   try {
     dropTables(connection);
     fill(connection, options, server, progress);
-    setBulkMode(connection, server, false);
+    bulkMode.restore();
   } catch (...) {
-    dropAfterFailure(connection, server);
+    dropAfterFailure(connection, bulkMode);
     throw;
   }
 }

@@ -85,6 +85,14 @@ TEST_F(EscolaDatabase, AFailureHalfWayLeavesNoTableOfTheExample) {
   EXPECT_THROW(build(), moxError);
 }
 
+TEST_F(EscolaDatabase, LeavesTheLineAsItFoundIt) {
+  connection_->execute("pragma foreign_keys=1");
+  connection_->execute("pragma synchronous=1");
+  build();
+  EXPECT_EQ(number("pragma foreign_keys"), 1);
+  EXPECT_EQ(number("pragma synchronous"), 1);
+}
+
 TEST_F(EscolaDatabase, SchemaAndDescriptionsHaveTheSameColumnsInTheSameOrder) {
   using FieldType = moxDatabaseConnection::FieldType;
   static std::map<escola::ColumnType, FieldType> const kTypes{
