@@ -6,7 +6,8 @@ namespace mox::core {
 namespace {
 
 constexpr std::size_t kFirstPiece = 64 * 1024;
-constexpr std::size_t kMostKept = 16 * 1024 * 1024;  // a block of huge values must not hold its memory for ever
+constexpr std::size_t kMostKept =
+    16 * 1024 * 1024;  // a block of huge values must not hold its memory for ever
 
 }  // namespace
 

@@ -8,8 +8,8 @@
 
 namespace mox::core {
 
-/// Keeps the bytes of one block of rows in one place until the next block. Memory is used anew for each block;
-/// views stay valid until clear(). Belongs to one thread.
+/// Keeps the bytes of one block of rows in one place until the next block. Memory is used anew for
+/// each block; views stay valid until clear(). Belongs to one thread.
 class BlockArena {
  public:
   /// A copy of the bytes.

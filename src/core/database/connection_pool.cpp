@@ -37,7 +37,8 @@ struct ConnectionPool::Shared {
     }
 
     void watch(std::shared_ptr<Shared> const& pool) {
-      std::erase_if(pools, [&](auto const& known) { return known.expired() || known.lock() == pool; });
+      std::erase_if(pools,
+                    [&](auto const& known) { return known.expired() || known.lock() == pool; });
       pools.push_back(pool);
     }
   };
@@ -69,7 +70,8 @@ struct ConnectionPool::Shared {
   bool closed = false;  // the pool is gone
 };
 
-ConnectionPool::ConnectionPool(Opener open) : open_(std::move(open)), shared_(std::make_shared<Shared>()) {}
+ConnectionPool::ConnectionPool(Opener open)
+    : open_(std::move(open)), shared_(std::make_shared<Shared>()) {}
 
 ConnectionPool::~ConnectionPool() {
   std::map<Shared::ThreadEnd const*, Line> lent;
@@ -108,6 +110,8 @@ std::shared_ptr<PhysicalConnection> ConnectionPool::forThisThread() {
   return line;
 }
 
-void ConnectionPool::releaseThisThread() noexcept { shared_->giveBack(&Shared::thisThread()); }
+void ConnectionPool::releaseThisThread() noexcept {
+  shared_->giveBack(&Shared::thisThread());
+}
 
 }  // namespace mox::core

@@ -9,8 +9,9 @@ namespace mox::core {
 
 /// Lends every thread its own line to one database. All operations are safe from any thread.
 ///
-/// A thread keeps its line, with its temporary tables, until it ends or gives it back. The line then waits for
-/// another thread if it can be made as new and no statement of it is alive; otherwise it is closed.
+/// A thread keeps its line, with its temporary tables, until it ends or gives it back. The line
+/// then waits for another thread if it can be made as new and no statement of it is alive;
+/// otherwise it is closed.
 class ConnectionPool {
  public:
   using Opener = std::function<std::shared_ptr<PhysicalConnection>()>;

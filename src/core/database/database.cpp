@@ -12,7 +12,8 @@
 namespace mox::core {
 namespace {
 
-ConnectionPool::Opener sqliteOpener(DatabaseUrl const& url, std::filesystem::path const& baseDirectory) {
+ConnectionPool::Opener sqliteOpener(DatabaseUrl const& url,
+                                    std::filesystem::path const& baseDirectory) {
   if (url.path == ":memory:") {
     return [memory = std::make_shared<SqliteMemory>()] { return memory->open(); };
   }
@@ -25,9 +26,10 @@ ConnectionPool::Opener openerFor(DatabaseOptions const& options) {
   if (url.kind == DatabaseUrl::Kind::kSqlite) {
     return sqliteOpener(url, options.baseDirectory);
   }
-  return [url = std::move(url), password = options.password]() -> std::shared_ptr<PhysicalConnection> {
-    return openMariadb(url, password);
-  };
+  return
+      [url = std::move(url), password = options.password]() -> std::shared_ptr<PhysicalConnection> {
+        return openMariadb(url, password);
+      };
 }
 
 StatementBase& baseOf(moxDatabaseConnection::PreparedStatement& statement) {
@@ -55,9 +57,8 @@ std::string qualified(std::string const& alias, std::string const& column) {
 Database::Database(DatabaseOptions const& options)
     : pool_(openerFor(options)), headOffice_(options.headOffice) {}
 
-std::shared_ptr<moxDatabaseConnection::PreparedStatement> Database::prepare(std::string const& sql,
-                                                                            std::string const& extraWhere,
-                                                                            std::string const& whereWord) {
+std::shared_ptr<moxDatabaseConnection::PreparedStatement> Database::prepare(
+    std::string const& sql, std::string const& extraWhere, std::string const& whereWord) {
   StatementScript script = scriptOf(sql);
   if (!extraWhere.empty()) {
     script.main += " " + (whereWord.empty() ? "where" : whereWord) + " " + extraWhere;
@@ -66,8 +67,8 @@ std::shared_ptr<moxDatabaseConnection::PreparedStatement> Database::prepare(std:
 }
 
 std::shared_ptr<moxDatabaseConnection::PreparedStatement> Database::prepareForUnit(
-    std::string const& sql, std::string const& order, std::string const& alias, std::string const& column,
-    std::string const& joiningWord) {
+    std::string const& sql, std::string const& order, std::string const& alias,
+    std::string const& column, std::string const& joiningWord) {
   StatementScript script = scriptOf(sql);
   int const unitMark = countMarks(script.main);
   script.main += " " + joiningWord + " " + qualified(alias, column) + " = ?";
@@ -80,7 +81,8 @@ std::shared_ptr<moxDatabaseConnection::PreparedStatement> Database::prepareForUn
   return statement;
 }
 
-std::shared_ptr<moxDatabaseConnection::PreparedStatement> Database::prepareScript(StatementScript script) {
+std::shared_ptr<moxDatabaseConnection::PreparedStatement> Database::prepareScript(
+    StatementScript script) {
   auto const line = pool_.forThisThread();
   line->ensureUsable();
   auto statement = line->prepare(std::move(script));
@@ -88,7 +90,9 @@ std::shared_ptr<moxDatabaseConnection::PreparedStatement> Database::prepareScrip
   return statement;
 }
 
-void Database::execute(std::string const& sql) { prepare(sql)->execute(); }
+void Database::execute(std::string const& sql) {
+  prepare(sql)->execute();
+}
 
 void Database::setRowObserver(RowObserver observer) {
   std::lock_guard const lock(observerMutex_);

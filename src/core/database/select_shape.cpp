@@ -6,26 +6,30 @@
 namespace mox::core {
 namespace {
 
-constexpr std::array<std::string_view, 10> kEndsList = {"from",  "where",  "group",     "having", "order",
-                                                        "limit", "union",  "intersect", "except", "window"};
-constexpr std::array<std::string_view, 12> kEndsSource = {"on",    "using",   "join", "left",         "right", "full",
-                                                          "inner", "outer",   "cross", "natural", "straight_join",
-                                                          "as"};
+constexpr std::array<std::string_view, 10> kEndsList = {
+    "from", "where", "group", "having", "order", "limit", "union", "intersect", "except", "window"};
+constexpr std::array<std::string_view, 12> kEndsSource = {
+    "on",    "using", "join",  "left",    "right",         "full",
+    "inner", "outer", "cross", "natural", "straight_join", "as"};
 // Behind one of these stands an operand, so that a name there is no alias.
 constexpr std::array<std::string_view, 18> kBeforeOperand = {
-    "and",  "or",   "not",  "is",   "like",   "in",       "between", "then",   "else",
-    "when", "case", "div",  "mod",  "regexp", "distinct", "collate", "select", "interval"};
+    "and",  "or",   "not", "is",  "like",   "in",       "between", "then",   "else",
+    "when", "case", "div", "mod", "regexp", "distinct", "collate", "select", "interval"};
 constexpr std::array<std::string_view, 4> kEndsExpression = {"end", "null", "true", "false"};
 
 template <std::size_t N>
 bool isOneOf(SqlTokens const& tokens, int index, std::array<std::string_view, N> const& words) {
-  return std::any_of(words.begin(), words.end(), [&](auto word) { return tokens.isWord(index, word); });
+  return std::any_of(words.begin(), words.end(),
+                     [&](auto word) { return tokens.isWord(index, word); });
 }
 
 class Parser {
  public:
   Parser(SqlTokens const& tokens, TokenRange range, std::vector<SelectSource> known)
-      : tokens_(tokens), place_(range.begin), end_(std::min(range.end, tokens.count())), known_(std::move(known)) {}
+      : tokens_(tokens),
+        place_(range.begin),
+        end_(std::min(range.end, tokens.count())),
+        known_(std::move(known)) {}
 
   SelectShape run() {
     readShape();
@@ -155,7 +159,8 @@ class Parser {
   }
 
   bool sourcesEnd() const {
-    return place_ >= end_ || (isHere(place_) && isOneOf(tokens_, place_, kEndsList)) || tokens_.at(place_).depth < depth_;
+    return place_ >= end_ || (isHere(place_) && isOneOf(tokens_, place_, kEndsList)) ||
+           tokens_.at(place_).depth < depth_;
   }
 
   void readSources() {
@@ -171,7 +176,9 @@ class Parser {
     }
   }
 
-  bool isJoin(int index) const { return tokens_.isWord(index, "join") || tokens_.isWord(index, "straight_join"); }
+  bool isJoin(int index) const {
+    return tokens_.isWord(index, "join") || tokens_.isWord(index, "straight_join");
+  }
 
   void readSource() {
     SelectSource source;
@@ -194,8 +201,9 @@ class Parser {
       table = tokens_.nameAt(place_ + 1);
       place_ += 2;
     }
-    auto const named = std::find_if(known_.rbegin(), known_.rend(),
-                                    [&](auto const& other) { return equalIgnoringCase(other.alias, table); });
+    auto const named = std::find_if(known_.rbegin(), known_.rend(), [&](auto const& other) {
+      return equalIgnoringCase(other.alias, table);
+    });
     if (named != known_.rend() && !qualified) {
       return *named;
     }
@@ -221,7 +229,8 @@ class Parser {
 
 }  // namespace
 
-SelectShape parseSelect(SqlTokens const& tokens, TokenRange range, std::vector<SelectSource> const& known) {
+SelectShape parseSelect(SqlTokens const& tokens, TokenRange range,
+                        std::vector<SelectSource> const& known) {
   return Parser(tokens, range, known).run();
 }
 

@@ -25,14 +25,14 @@ struct SelectItem {
 
 /// A table or subquery that a select reads.
 struct SelectSource {
-  std::string alias;               // as the statement calls it: the table's name where no alias is given
-  std::string table;               // empty for a subquery
-  TokenRange subquery;             // empty for a table
+  std::string alias;    // as the statement calls it: the table's name where no alias is given
+  std::string table;    // empty for a subquery
+  TokenRange subquery;  // empty for a table
   std::vector<std::string> names;  // of the subquery's columns where `with x (a, b)` gives them
 };
 
-/// The first select of a reading statement, as far as its result depends on it. Built from tokens alone, without
-/// a grammar of expressions: what is not understood is left out.
+/// The first select of a reading statement, as far as its result depends on it. Built from tokens
+/// alone, without a grammar of expressions: what is not understood is left out.
 struct SelectShape {
   std::vector<SelectItem> items;
   std::vector<SelectSource> sources;

@@ -5,15 +5,24 @@
 namespace mox::core {
 namespace {
 
-bool isBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
-char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c; }
-
-bool startsName(char c) {
-  return (lower(c) >= 'a' && lower(c) <= 'z') || c == '_' || c == '$' || static_cast<unsigned char>(c) >= 0x80;
+bool isBlank(char c) {
+  return c == ' ' || (c >= '\t' && c <= '\r');
+}
+bool isDigit(char c) {
+  return c >= '0' && c <= '9';
+}
+char lower(char c) {
+  return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
 }
 
-bool continuesName(char c) { return startsName(c) || isDigit(c); }
+bool startsName(char c) {
+  return (lower(c) >= 'a' && lower(c) <= 'z') || c == '_' || c == '$' ||
+         static_cast<unsigned char>(c) >= 0x80;
+}
+
+bool continuesName(char c) {
+  return startsName(c) || isDigit(c);
+}
 
 class Lexer {
  public:
@@ -116,7 +125,8 @@ class Lexer {
 
   SqlTokenKind consumeNumber() {
     while (continuesName(look()) || look() == '.') {
-      bool const exponent = lower(look()) == 'e' && (look(1) == '+' || look(1) == '-') && isDigit(look(2));
+      bool const exponent =
+          lower(look()) == 'e' && (look(1) == '+' || look(1) == '-') && isDigit(look(2));
       place_ += exponent ? 3 : 1;
     }
     return SqlTokenKind::kNumber;
@@ -142,7 +152,8 @@ class Lexer {
 SqlTokens::SqlTokens(std::string_view text) : text_(text), tokens_(Lexer(text).run()) {}
 
 std::string_view SqlTokens::textAt(int index) const {
-  return has(index) ? text_.substr(at(index).begin, at(index).end - at(index).begin) : std::string_view();
+  return has(index) ? text_.substr(at(index).begin, at(index).end - at(index).begin)
+                    : std::string_view();
 }
 
 bool SqlTokens::isWord(int index, std::string_view lowerCaseWord) const {

@@ -9,7 +9,7 @@ namespace mox::core {
 
 /// What a token is. Blanks and comments (`-- `, `#`, `/* */`) are no tokens.
 enum class SqlTokenKind {
-  kWord,          // keyword or plain name
+  kWord,  // keyword or plain name
   kNumber,
   kString,        // '...'
   kDoubleQuoted,  // "..."
@@ -27,9 +27,10 @@ struct SqlToken {
   bool closed = true;  // false for a quoted token that the text's end cuts off
 };
 
-/// A statement text taken apart as MariaDB reads it: quotes are doubled or escaped by a backslash inside '...' and
-/// "...", only doubled inside `...`; "--" opens a comment only before a blank. Never throws on any text: what is
-/// left open ends with the text. The text must outlive the object.
+/// A statement text taken apart as MariaDB reads it: quotes are doubled or escaped by a backslash
+/// inside '...' and
+/// "...", only doubled inside `...`; "--" opens a comment only before a blank. Never throws on any
+/// text: what is left open ends with the text. The text must outlive the object.
 class SqlTokens {
  public:
   explicit SqlTokens(std::string_view text);
@@ -38,10 +39,14 @@ class SqlTokens {
   int count() const { return static_cast<int>(tokens_.size()); }
   SqlToken const& at(int index) const { return tokens_[static_cast<std::size_t>(index)]; }
 
+  /// Whether the text ends inside a quote.
+  bool isCutOff() const { return !tokens_.empty() && !tokens_.back().closed; }
+
   /// The token's characters; empty for an index outside.
   std::string_view textAt(int index) const;
 
-  /// Whether the token at an index is this word, given in lower case, or this character. False outside.
+  /// Whether the token at an index is this word, given in lower case, or this character. False
+  /// outside.
   bool isWord(int index, std::string_view lowerCaseWord) const;
   bool isPunctuation(int index, char character) const;
   bool isKind(int index, SqlTokenKind kind) const { return has(index) && at(index).kind == kind; }

@@ -17,9 +17,10 @@ namespace mox::core {
 namespace {
 
 constexpr int kBusyTimeoutMs = 5000;
-constexpr int kLongestStatement = 16 * 1024 * 1024;           // bytes
-constexpr int kLongestValue = 512 * 1024 * 1024;              // bytes
-constexpr sqlite3_int64 kLargestMemory = sqlite3_int64(1) << 40;  // bytes; the machine's own bound comes first
+constexpr int kLongestStatement = 16 * 1024 * 1024;  // bytes
+constexpr int kLongestValue = 512 * 1024 * 1024;     // bytes
+constexpr sqlite3_int64 kLargestMemory = sqlite3_int64(1)
+                                         << 40;  // bytes; the machine's own bound comes first
 
 int openFlags(std::string const& mode) {
   if (mode == "ro") {
@@ -36,7 +37,8 @@ void requireFile(SqliteFile const& file) {
     throw DatabaseError(shown + " is a directory", "");
   }
   if (status.type() == std::filesystem::file_type::not_found && file.mode != "rwc") {
-    throw DatabaseError(shown + " does not exist; correct the path, or add \"?mode=rwc\" to make a new one", "");
+    throw DatabaseError(
+        shown + " does not exist; correct the path, or add \"?mode=rwc\" to make a new one", "");
   }
 }
 
@@ -46,11 +48,14 @@ bool isBlank(char const* text) {
 
 }  // namespace
 
-void SqliteFinalizer::operator()(sqlite3_stmt* statement) const noexcept { sqlite3_finalize(statement); }
+void SqliteFinalizer::operator()(sqlite3_stmt* statement) const noexcept {
+  sqlite3_finalize(statement);
+}
 
 std::shared_ptr<SqliteConnection> SqliteConnection::open(SqliteFile const& file) {
   requireFile(file);
-  return openUri(file.path.string(), openFlags(file.mode), "The database file \"" + file.path.string() + "\"");
+  return openUri(file.path.string(), openFlags(file.mode),
+                 "The database file \"" + file.path.string() + "\"");
 }
 
 std::shared_ptr<SqliteConnection> SqliteConnection::openMemory(std::string const& name) {
@@ -76,13 +81,14 @@ std::shared_ptr<SqliteConnection> SqliteConnection::openUri(std::string const& n
     }
     connection->configure();
   } catch (moxError const& error) {
-    throw DatabaseError(shownName + " cannot be opened: " + error.errorMessage(), error.errorCode());
+    throw DatabaseError(shownName + " cannot be opened: " + error.errorMessage(),
+                        error.errorCode());
   }
   return connection;
 }
 
-// Settings that make the line read a foreign file safely, then a first look at it: opening alone does not tell
-// whether the file is a database.
+// Settings that make the line read a foreign file safely, then a first look at it: opening alone
+// does not tell whether the file is a database.
 void SqliteConnection::configure() {
   sqlite3_extended_result_codes(line_, 1);
   sqlite3_busy_timeout(line_, kBusyTimeoutMs);
@@ -96,9 +102,13 @@ void SqliteConnection::configure() {
   run("select count(*) from sqlite_schema");
 }
 
-SqliteConnection::~SqliteConnection() { sqlite3_close_v2(line_); }
+SqliteConnection::~SqliteConnection() {
+  sqlite3_close_v2(line_);
+}
 
-void SqliteConnection::interrupt() noexcept { sqlite3_interrupt(line_); }
+void SqliteConnection::interrupt() noexcept {
+  sqlite3_interrupt(line_);
+}
 
 SqliteHandle SqliteConnection::compile(std::string const& statement) {
   sqlite3_stmt* compiled = nullptr;
@@ -107,7 +117,8 @@ SqliteHandle SqliteConnection::compile(std::string const& statement) {
   if (statement.find('\0') != std::string::npos) {
     throw DatabaseError("The statement has a zero byte", "", statement);
   }
-  int const length = static_cast<int>(std::min<std::size_t>(statement.size() + 1, kLongestStatement + 2));
+  int const length =
+      static_cast<int>(std::min<std::size_t>(statement.size() + 1, kLongestStatement + 2));
   int const status = sqlite3_prepare_v2(line_, statement.c_str(), length, &compiled, &tail);
   SqliteHandle handle(compiled);
   if (status != SQLITE_OK) {
@@ -138,7 +149,8 @@ void SqliteConnection::execute(std::string const& sql) {
   run(text.statement);
 }
 
-std::shared_ptr<moxDatabaseConnection::PreparedStatement> SqliteConnection::prepare(StatementScript script) {
+std::shared_ptr<moxDatabaseConnection::PreparedStatement> SqliteConnection::prepare(
+    StatementScript script) {
   SqliteText text = rewriteForSqlite(script.main);
   script.main = std::move(text.statement);
   script.before.insert(script.before.end(), std::make_move_iterator(text.ahead.begin()),
@@ -152,6 +164,8 @@ SqliteMemory::SqliteMemory() {
   keeper_ = SqliteConnection::openMemory(name_);
 }
 
-std::shared_ptr<PhysicalConnection> SqliteMemory::open() const { return SqliteConnection::openMemory(name_); }
+std::shared_ptr<PhysicalConnection> SqliteMemory::open() const {
+  return SqliteConnection::openMemory(name_);
+}
 
 }  // namespace mox::core

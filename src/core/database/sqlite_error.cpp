@@ -12,7 +12,8 @@ void throwSqliteError(sqlite3* line, int status, std::string const& statement) {
   if ((status & 0xFF) == SQLITE_NOMEM) {
     throw std::bad_alloc();
   }
-  // A misuse leaves no message of its own on the line: the one that stands there belongs to another call.
+  // A misuse leaves no message of its own on the line: the one that stands there belongs to another
+  // call.
   bool const ownMessage = (sqlite3_errcode(line) & 0xFF) == (status & 0xFF);
   std::string const message = ownMessage ? sqlite3_errmsg(line) : sqlite3_errstr(status);
   int const code = ownMessage ? sqlite3_extended_errcode(line) : status;

@@ -20,13 +20,16 @@ constexpr std::size_t kLongestPattern = 50000;  // bytes; time grows with patter
 
 using Function = void (*)(sqlite3_context*, int, sqlite3_value**);
 
-bool isNull(sqlite3_value* value) { return sqlite3_value_type(value) == SQLITE_NULL; }
+bool isNull(sqlite3_value* value) {
+  return sqlite3_value_type(value) == SQLITE_NULL;
+}
 
 // Valid until the value is read in another way.
 std::string_view textOf(sqlite3_value* value) {
   auto const* const bytes = reinterpret_cast<char const*>(sqlite3_value_text(value));
-  return bytes == nullptr ? std::string_view()
-                          : std::string_view(bytes, static_cast<std::size_t>(sqlite3_value_bytes(value)));
+  return bytes == nullptr
+             ? std::string_view()
+             : std::string_view(bytes, static_cast<std::size_t>(sqlite3_value_bytes(value)));
 }
 
 void resultText(sqlite3_context* context, std::string_view text) {
@@ -51,16 +54,26 @@ void part(sqlite3_context* context, int, sqlite3_value** values) {
   }
 }
 
-int yearOf(datetime_t const& moment) { return moment.year(); }
-int monthOf(datetime_t const& moment) { return moment.month(); }
-int dayOf(datetime_t const& moment) { return moment.day(); }
-int quarterOf(datetime_t const& moment) { return (moment.month() + 2) / 3; }
+int yearOf(datetime_t const& moment) {
+  return moment.year();
+}
+int monthOf(datetime_t const& moment) {
+  return moment.month();
+}
+int dayOf(datetime_t const& moment) {
+  return moment.day();
+}
+int quarterOf(datetime_t const& moment) {
+  return (moment.month() + 2) / 3;
+}
 
 void curdate(sqlite3_context* context, int, sqlite3_value**) {
   resultText(context, isoText(date_t(mox::core::now())));
 }
 
-void now(sqlite3_context* context, int, sqlite3_value**) { resultText(context, isoText(mox::core::now())); }
+void now(sqlite3_context* context, int, sqlite3_value**) {
+  resultText(context, isoText(mox::core::now()));
+}
 
 void ifElse(sqlite3_context* context, int, sqlite3_value** values) {
   bool const holds = sqlite3_value_double(values[0]) != 0;
@@ -121,7 +134,8 @@ void like(sqlite3_context* context, int count, sqlite3_value** values) {
 
 class Query {
  public:
-  Query(sqlite3* line, char const* sql) : status_(sqlite3_prepare_v2(line, sql, -1, &statement_, nullptr)) {}
+  Query(sqlite3* line, char const* sql)
+      : status_(sqlite3_prepare_v2(line, sql, -1, &statement_, nullptr)) {}
   ~Query() { sqlite3_finalize(statement_); }
   Query(Query const&) = delete;
   Query& operator=(Query const&) = delete;
@@ -134,7 +148,8 @@ class Query {
   int status_;
 };
 
-// The row of the unit stands before the general one. A database without the table has nothing configured.
+// The row of the unit stands before the general one. A database without the table has nothing
+// configured.
 constexpr char const* kConfigurationSql =
     "select valor from ambiente_configuracoes where modulo = ?1 and chave = ?2 "
     "and (id_unidade = ?3 or id_unidade is null) order by id_unidade is null limit 1";
@@ -198,8 +213,9 @@ constexpr Entry kEntries[] = {
 
 void registerSqliteFunctions(sqlite3* line) {
   for (Entry const& entry : kEntries) {
-    int const status = sqlite3_create_function_v2(line, entry.name, entry.valueCount, entry.flags | SQLITE_UTF8,
-                                                  nullptr, entry.function, nullptr, nullptr, nullptr);
+    int const status =
+        sqlite3_create_function_v2(line, entry.name, entry.valueCount, entry.flags | SQLITE_UTF8,
+                                   nullptr, entry.function, nullptr, nullptr, nullptr);
     if (status != SQLITE_OK) {
       throw DatabaseError(sqlite3_errmsg(line), std::to_string(status));
     }

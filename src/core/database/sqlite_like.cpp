@@ -8,26 +8,26 @@ namespace mox::core {
 namespace {
 
 constexpr char32_t kFirstFolded = 0xC0;
-constexpr char32_t kInvalidByte = 0x110000;  // added to a byte that is no UTF-8: beyond every character
+constexpr char32_t kInvalidByte =
+    0x110000;  // added to a byte that is no UTF-8: beyond every character
 
-// The weights of U+00C0 to U+017F in the collation utf8mb4_general_ci, read from a server with weight_string().
+// The weights of U+00C0 to U+017F in the collation utf8mb4_general_ci, read from a server with
+// weight_string().
 constexpr std::array<std::uint16_t, 0x180 - kFirstFolded> kFolded = {
-    'A', 'A', 'A', 'A', 'A', 'A', 0xC6, 'C', 'E', 'E', 'E', 'E',
-    'I', 'I', 'I', 'I', 0xD0, 'N', 'O', 'O', 'O', 'O', 'O', 0xD7,
-    0xD8, 'U', 'U', 'U', 'U', 'Y', 0xDE, 'S', 'A', 'A', 'A', 'A',
-    'A', 'A', 0xC6, 'C', 'E', 'E', 'E', 'E', 'I', 'I', 'I', 'I',
-    0xD0, 'N', 'O', 'O', 'O', 'O', 'O', 0xF7, 0xD8, 'U', 'U', 'U',
-    'U', 'Y', 0xDE, 'Y', 'A', 'A', 'A', 'A', 'A', 'A', 'C', 'C',
-    'C', 'C', 'C', 'C', 'C', 'C', 'D', 'D', 0x110, 0x110, 'E', 'E',
-    'E', 'E', 'E', 'E', 'E', 'E', 'E', 'E', 'G', 'G', 'G', 'G',
-    'G', 'G', 'G', 'G', 'H', 'H', 0x126, 0x126, 'I', 'I', 'I', 'I',
-    'I', 'I', 'I', 'I', 'I', 'I', 0x132, 0x132, 'J', 'J', 'K', 'K',
-    0x138, 'L', 'L', 'L', 'L', 'L', 'L', 0x13F, 0x13F, 0x141, 0x141, 'N',
-    'N', 'N', 'N', 'N', 'N', 0x149, 0x14A, 0x14A, 'O', 'O', 'O', 'O',
-    'O', 'O', 0x152, 0x152, 'R', 'R', 'R', 'R', 'R', 'R', 'S', 'S',
-    'S', 'S', 'S', 'S', 'S', 'S', 'T', 'T', 'T', 'T', 0x166, 0x166,
-    'U', 'U', 'U', 'U', 'U', 'U', 'U', 'U', 'U', 'U', 'U', 'U',
-    'W', 'W', 'Y', 'Y', 'Y', 'Z', 'Z', 'Z', 'Z', 'Z', 'Z', 'S',
+    'A',  'A',   'A',   'A',   'A',   'A',   0xC6,  'C',   'E',   'E',  'E',   'E',   'I',   'I',
+    'I',  'I',   0xD0,  'N',   'O',   'O',   'O',   'O',   'O',   0xD7, 0xD8,  'U',   'U',   'U',
+    'U',  'Y',   0xDE,  'S',   'A',   'A',   'A',   'A',   'A',   'A',  0xC6,  'C',   'E',   'E',
+    'E',  'E',   'I',   'I',   'I',   'I',   0xD0,  'N',   'O',   'O',  'O',   'O',   'O',   0xF7,
+    0xD8, 'U',   'U',   'U',   'U',   'Y',   0xDE,  'Y',   'A',   'A',  'A',   'A',   'A',   'A',
+    'C',  'C',   'C',   'C',   'C',   'C',   'C',   'C',   'D',   'D',  0x110, 0x110, 'E',   'E',
+    'E',  'E',   'E',   'E',   'E',   'E',   'E',   'E',   'G',   'G',  'G',   'G',   'G',   'G',
+    'G',  'G',   'H',   'H',   0x126, 0x126, 'I',   'I',   'I',   'I',  'I',   'I',   'I',   'I',
+    'I',  'I',   0x132, 0x132, 'J',   'J',   'K',   'K',   0x138, 'L',  'L',   'L',   'L',   'L',
+    'L',  0x13F, 0x13F, 0x141, 0x141, 'N',   'N',   'N',   'N',   'N',  'N',   0x149, 0x14A, 0x14A,
+    'O',  'O',   'O',   'O',   'O',   'O',   0x152, 0x152, 'R',   'R',  'R',   'R',   'R',   'R',
+    'S',  'S',   'S',   'S',   'S',   'S',   'S',   'S',   'T',   'T',  'T',   'T',   0x166, 0x166,
+    'U',  'U',   'U',   'U',   'U',   'U',   'U',   'U',   'U',   'U',  'U',   'U',   'W',   'W',
+    'Y',  'Y',   'Y',   'Z',   'Z',   'Z',   'Z',   'Z',   'Z',   'S',
 };
 
 char32_t folded(char32_t c) {
@@ -54,7 +54,9 @@ class Reader {
   }
 
  private:
-  unsigned char byte(std::ptrdiff_t ahead) const { return static_cast<unsigned char>(place_[ahead]); }
+  unsigned char byte(std::ptrdiff_t ahead) const {
+    return static_cast<unsigned char>(place_[ahead]);
+  }
 
   char32_t nextLong(unsigned char first) {
     int const length = first >= 0xF0 ? 4 : first >= 0xE0 ? 3 : first >= 0xC2 ? 2 : 1;

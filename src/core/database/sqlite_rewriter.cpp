@@ -19,15 +19,30 @@ std::string withoutBackslashes(std::string_view inner, char quote) {
     } else if (c == '\\' && i + 1 < inner.size()) {
       c = inner[++i];
       switch (c) {
-        case '0': result += "'||char(0)||'"; continue;
-        case 'b': c = '\b'; break;
-        case 'n': c = '\n'; break;
-        case 'r': c = '\r'; break;
-        case 't': c = '\t'; break;
-        case 'Z': c = '\x1A'; break;
+        case '0':
+          result += "'||char(0)||'";
+          continue;
+        case 'b':
+          c = '\b';
+          break;
+        case 'n':
+          c = '\n';
+          break;
+        case 'r':
+          c = '\r';
+          break;
+        case 't':
+          c = '\t';
+          break;
+        case 'Z':
+          c = '\x1A';
+          break;
         case '%':
-        case '_': result += '\\'; break;  // kept for the like that reads them
-        default: break;
+        case '_':
+          result += '\\';
+          break;  // kept for the like that reads them
+        default:
+          break;
       }
     }
     result.append(c == '\'' ? 2 : 1, c);
@@ -36,11 +51,13 @@ std::string withoutBackslashes(std::string_view inner, char quote) {
 }
 
 std::string literal(std::string_view token) {
-  std::string const text = "'" + withoutBackslashes(token.substr(1, token.size() - 2), token.front()) + "'";
+  std::string const text =
+      "'" + withoutBackslashes(token.substr(1, token.size() - 2), token.front()) + "'";
   return text.find("||char(0)||") == std::string::npos ? text : "(" + text + ")";
 }
 
-// Exactly digits, "/", digits, "/", digits: other texts that a lenient reader takes for a date stay texts.
+// Exactly digits, "/", digits, "/", digits: other texts that a lenient reader takes for a date stay
+// texts.
 bool hasSlashForm(std::string_view text) {
   int slashes = 0;
   bool digitBefore = false;
@@ -76,7 +93,8 @@ class Rewriter {
  private:
   bool hasWords(std::initializer_list<std::string_view> words) const {
     int index = 0;
-    return std::all_of(words.begin(), words.end(), [&](auto word) { return tokens_.isWord(index++, word); });
+    return std::all_of(words.begin(), words.end(),
+                       [&](auto word) { return tokens_.isWord(index++, word); });
   }
 
   // Writes the statement's first words where they differ, and gives the token behind them.
@@ -98,7 +116,9 @@ class Rewriter {
   }
 
   // A name with its database in front is not one of SQLite's temporary tables.
-  bool isPlainName(int index) const { return tokens_.isName(index) && !tokens_.isPunctuation(index + 1, '.'); }
+  bool isPlainName(int index) const {
+    return tokens_.isName(index) && !tokens_.isPunctuation(index + 1, '.');
+  }
 
   int skipTo(int index) {
     copied_ = tokens_.at(index - 1).end;
@@ -119,7 +139,8 @@ class Rewriter {
   void copyGap(int index) {
     std::size_t const begin = tokens_.at(index).begin;
     std::string const gap = filler(text_.substr(copied_, begin - copied_));
-    bool const minusAgain = tokens_.isPunctuation(index, '-') && tokens_.isPunctuation(index - 1, '-');
+    bool const minusAgain =
+        tokens_.isPunctuation(index, '-') && tokens_.isPunctuation(index - 1, '-');
     result_.statement += gap.empty() && minusAgain ? " " : gap;
   }
 
@@ -128,8 +149,9 @@ class Rewriter {
   void copyToken(int index) {
     SqlToken const& token = tokens_.at(index);
     std::string_view const text = tokens_.textAt(index);
-    bool const escaped = (token.kind == SqlTokenKind::kString || token.kind == SqlTokenKind::kDoubleQuoted) &&
-                         text.find('\\') != std::string_view::npos;
+    bool const escaped =
+        (token.kind == SqlTokenKind::kString || token.kind == SqlTokenKind::kDoubleQuoted) &&
+        text.find('\\') != std::string_view::npos;
     if (isBoundOfBetween_ && isSlashDate(index)) {
       result_.statement += "'" + isoText(date_t(*parseDateText(tokens_.nameAt(index)))) + "'";
     } else {
@@ -148,8 +170,8 @@ class Rewriter {
     return hasSlashForm(inner) && parseDateText(inner).has_value();
   }
 
-  // Keeps the betweens whose "and" is still to come, innermost last. One in a bracket that closes without its
-  // "and" is none: the database refuses that text.
+  // Keeps the betweens whose "and" is still to come, innermost last. One in a bracket that closes
+  // without its "and" is none: the database refuses that text.
   void followBetween(int index) {
     while (!open_.empty() && tokens_.at(index).depth < open_.back()) {
       open_.pop_back();
@@ -160,7 +182,8 @@ class Rewriter {
     if (tokens_.isWord(index, "between")) {
       open_.push_back(tokens_.at(index).depth);
       isBoundOfBetween_ = true;
-    } else if (tokens_.isWord(index, "and") && !open_.empty() && open_.back() == tokens_.at(index).depth) {
+    } else if (tokens_.isWord(index, "and") && !open_.empty() &&
+               open_.back() == tokens_.at(index).depth) {
       open_.pop_back();
       isBoundOfBetween_ = true;
     }
@@ -176,6 +199,8 @@ class Rewriter {
 
 }  // namespace
 
-SqliteText rewriteForSqlite(std::string_view statement) { return Rewriter(statement).run(); }
+SqliteText rewriteForSqlite(std::string_view statement) {
+  return Rewriter(statement).run();
+}
 
 }  // namespace mox::core

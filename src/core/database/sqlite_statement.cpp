@@ -12,11 +12,16 @@
 namespace mox::core {
 namespace {
 
-std::string textOrEmpty(char const* text) { return text == nullptr ? std::string() : std::string(text); }
+std::string textOrEmpty(char const* text) {
+  return text == nullptr ? std::string() : std::string(text);
+}
 
-bool isNullValue(sqlite3_value* value) { return sqlite3_value_type(value) == SQLITE_NULL; }
+bool isNullValue(sqlite3_value* value) {
+  return sqlite3_value_type(value) == SQLITE_NULL;
+}
 
-// Valid until the next step. SQLite keeps text as it came: bytes that are no UTF-8, and bytes 0, pass through.
+// Valid until the next step. SQLite keeps text as it came: bytes that are no UTF-8, and bytes 0,
+// pass through.
 std::string_view textOf(sqlite3_value* value) {
   auto const* const text = reinterpret_cast<char const*>(sqlite3_value_text(value));
   if (text == nullptr) {
@@ -30,11 +35,14 @@ std::string_view textOf(sqlite3_value* value) {
 
 std::string_view bytesOf(sqlite3_value* value) {
   auto const* const bytes = static_cast<char const*>(sqlite3_value_blob(value));
-  return bytes == nullptr ? std::string_view("", 0)
-                          : std::string_view(bytes, static_cast<std::size_t>(sqlite3_value_bytes(value)));
+  return bytes == nullptr
+             ? std::string_view("", 0)
+             : std::string_view(bytes, static_cast<std::size_t>(sqlite3_value_bytes(value)));
 }
 
-std::int32_t intOf(sqlite3_value* value) { return static_cast<std::int32_t>(sqlite3_value_int64(value)); }
+std::int32_t intOf(sqlite3_value* value) {
+  return static_cast<std::int32_t>(sqlite3_value_int64(value));
+}
 
 // Numbers are no dates: nothing tells days, seconds and written-out digits apart.
 datetime_t momentOf(sqlite3_value* value) {
@@ -64,16 +72,23 @@ std::vector<FieldReader> readersFor(std::vector<moxFieldBlock> const& fields) {
   return readers;
 }
 
-void readCell(moxFieldBlock const& target, sqlite3_value* value, std::size_t row, BlockArena& arena) {
+void readCell(moxFieldBlock const& target, sqlite3_value* value, std::size_t row,
+              BlockArena& arena) {
   bool const null = isNullValue(value);
   target.nulls[row] = null ? 1 : 0;
   if (null) {
     return;
   }
   switch (target.readAs) {
-    case FieldType::kInt: target.ints[row] = intOf(value); return;
-    case FieldType::kDouble: target.doubles[row] = sqlite3_value_double(value); return;
-    case FieldType::kDate: target.dates[row] = momentOf(value); return;
+    case FieldType::kInt:
+      target.ints[row] = intOf(value);
+      return;
+    case FieldType::kDouble:
+      target.doubles[row] = sqlite3_value_double(value);
+      return;
+    case FieldType::kDate:
+      target.dates[row] = momentOf(value);
+      return;
     case FieldType::kText: {
       std::string_view const text = textOf(value);
       target.texts[row] = arena.keep(text.data(), text.size());
@@ -90,15 +105,17 @@ void readCell(moxFieldBlock const& target, sqlite3_value* value, std::size_t row
 ColumnTypes columnTypesOf(sqlite3* line) {
   return [line](std::string const& table, std::string const& column) -> std::optional<FieldType> {
     char const* declaration = nullptr;
-    int const status = sqlite3_table_column_metadata(line, nullptr, table.c_str(), column.c_str(), &declaration,
-                                                     nullptr, nullptr, nullptr, nullptr);
+    int const status =
+        sqlite3_table_column_metadata(line, nullptr, table.c_str(), column.c_str(), &declaration,
+                                      nullptr, nullptr, nullptr, nullptr);
     return status == SQLITE_OK ? declaredType(textOrEmpty(declaration)) : std::nullopt;
   };
 }
 
 }  // namespace
 
-SqliteStatement::SqliteStatement(std::shared_ptr<SqliteConnection> line, StatementScript const& script)
+SqliteStatement::SqliteStatement(std::shared_ptr<SqliteConnection> line,
+                                 StatementScript const& script)
     : StatementBase(line, script), line_(std::move(line)), text_(script.main) {
   runBefore();
   handle_ = line_->compile(text_);
@@ -171,9 +188,14 @@ bool SqliteStatement::step() {
 
 bool SqliteStatement::fetchMain() {
   switch (rows_) {
-    case Rows::kFirstReady: rows_ = Rows::kMore; return true;
-    case Rows::kMore: rows_ = step() ? Rows::kMore : Rows::kNone; return rows_ == Rows::kMore;
-    case Rows::kNone: break;
+    case Rows::kFirstReady:
+      rows_ = Rows::kMore;
+      return true;
+    case Rows::kMore:
+      rows_ = step() ? Rows::kMore : Rows::kNone;
+      return rows_ == Rows::kMore;
+    case Rows::kNone:
+      break;
   }
   return false;
 }
@@ -195,9 +217,12 @@ void SqliteStatement::releaseRows() noexcept {
   sqlite3_reset(handle_.get());
 }
 
-// The line has no lock, so that the value may be asked without one, too. Asking a value for its type and then for
-// its content looks the field up once; the statement's own accessors would do so each time.
-sqlite3_value* SqliteStatement::valueAt(int field) const { return sqlite3_column_value(handle_.get(), field); }
+// The line has no lock, so that the value may be asked without one, too. Asking a value for its
+// type and then for its content looks the field up once; the statement's own accessors would do so
+// each time.
+sqlite3_value* SqliteStatement::valueAt(int field) const {
+  return sqlite3_column_value(handle_.get(), field);
+}
 
 bool SqliteStatement::isNull(int field) const {
   requireField(field);
@@ -219,9 +244,13 @@ std::string_view SqliteStatement::getString(int field) const {
   return textOf(valueAt(field));
 }
 
-bool SqliteStatement::getBool(int field) const { return getDouble(field) != 0; }
+bool SqliteStatement::getBool(int field) const {
+  return getDouble(field) != 0;
+}
 
-date_t SqliteStatement::getDate(int field) const { return date_t(getDateTime(field)); }
+date_t SqliteStatement::getDate(int field) const {
+  return date_t(getDateTime(field));
+}
 
 datetime_t SqliteStatement::getDateTime(int field) const {
   requireField(field);
@@ -233,8 +262,8 @@ std::shared_ptr<moxReadBlob> SqliteStatement::getBlob(int field) const {
   return std::make_shared<Blob>(std::string(bytesOf(valueAt(field))));
 }
 
-// What the text tells holds until the schema changes under the statement; the first row may tell another type at
-// every execution.
+// What the text tells holds until the schema changes under the statement; the first row may tell
+// another type at every execution.
 void SqliteStatement::describeFields() {
   int const count = sqlite3_column_count(handle_.get());
   int const preparations = sqlite3_stmt_status(handle_.get(), SQLITE_STMTSTATUS_REPREPARE, 0);
@@ -243,7 +272,8 @@ void SqliteStatement::describeFields() {
     for (int i = 0; i < count; ++i) {
       names.push_back(textOrEmpty(sqlite3_column_name(handle_.get(), i)));
     }
-    resultTypes_ = std::make_unique<ResultTypes>(text_, std::move(names), columnTypesOf(line_->handle()));
+    resultTypes_ =
+        std::make_unique<ResultTypes>(text_, std::move(names), columnTypesOf(line_->handle()));
     preparations_ = preparations;
   }
   std::vector<FieldInfo> fields;
@@ -282,11 +312,16 @@ std::optional<FieldType> SqliteStatement::typeInFirstRow(int index) const {
   }
   sqlite3_value* const value = valueAt(index);
   switch (sqlite3_value_type(value)) {
-    case SQLITE_INTEGER: return FieldType::kInt;
-    case SQLITE_FLOAT: return FieldType::kDouble;
-    case SQLITE_BLOB: return FieldType::kBlob;
-    case SQLITE_TEXT: return parseIsoDate(textOf(value)) ? FieldType::kDate : FieldType::kText;
-    default: return std::nullopt;
+    case SQLITE_INTEGER:
+      return FieldType::kInt;
+    case SQLITE_FLOAT:
+      return FieldType::kDouble;
+    case SQLITE_BLOB:
+      return FieldType::kBlob;
+    case SQLITE_TEXT:
+      return parseIsoDate(textOf(value)) ? FieldType::kDate : FieldType::kText;
+    default:
+      return std::nullopt;
   }
 }
 

@@ -14,8 +14,8 @@ struct sqlite3_value;
 
 namespace mox::core {
 
-/// A statement of SQLite. It steps to the first row when it is executed, since that row may have to tell the type
-/// of an expression. Binding a value ends the rows of the execution before.
+/// A statement of SQLite. It steps to the first row when it is executed, since that row may have to
+/// tell the type of an expression. Binding a value ends the rows of the execution before.
 class SqliteStatement final : public StatementBase {
  public:
   /// `script` is in SQLite's own words. Throws moxError for a text that SQLite refuses.
@@ -62,7 +62,7 @@ class SqliteStatement final : public StatementBase {
   SqliteHandle handle_;
   Rows rows_ = Rows::kNone;
   std::unique_ptr<ResultTypes> resultTypes_;  // made at the first execution that has fields
-  int preparations_ = -1;                     // SQLite's count when they were made: a changed schema raises it
+  int preparations_ = -1;  // SQLite's count when they were made: a changed schema raises it
   BlockArena arena_;
 };
 

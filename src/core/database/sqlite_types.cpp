@@ -7,7 +7,8 @@
 namespace mox::core {
 namespace {
 
-// A statement may nest names as it likes: the tokens looked at for all its columns, and the depth, are bounded.
+// A statement may nest names as it likes: the tokens looked at for all its columns, and the depth,
+// are bounded.
 constexpr int kMostWork = 2'000'000;
 constexpr int kDeepest = 40;
 
@@ -17,27 +18,27 @@ struct TypeWord {
 };
 
 constexpr std::array kTypeWords = {
-    TypeWord{"int", FieldType::kInt},          TypeWord{"integer", FieldType::kInt},
-    TypeWord{"tinyint", FieldType::kInt},      TypeWord{"smallint", FieldType::kInt},
-    TypeWord{"mediumint", FieldType::kInt},    TypeWord{"bigint", FieldType::kInt},
-    TypeWord{"bool", FieldType::kInt},         TypeWord{"boolean", FieldType::kInt},
-    TypeWord{"bit", FieldType::kInt},          TypeWord{"year", FieldType::kInt},
-    TypeWord{"signed", FieldType::kInt},       TypeWord{"double", FieldType::kDouble},
-    TypeWord{"real", FieldType::kDouble},      TypeWord{"float", FieldType::kDouble},
-    TypeWord{"decimal", FieldType::kDouble},   TypeWord{"dec", FieldType::kDouble},
-    TypeWord{"numeric", FieldType::kDouble},   TypeWord{"fixed", FieldType::kDouble},
-    TypeWord{"date", FieldType::kDate},        TypeWord{"datetime", FieldType::kDate},
-    TypeWord{"timestamp", FieldType::kDate},   TypeWord{"blob", FieldType::kBlob},
-    TypeWord{"tinyblob", FieldType::kBlob},    TypeWord{"mediumblob", FieldType::kBlob},
-    TypeWord{"longblob", FieldType::kBlob},    TypeWord{"binary", FieldType::kBlob},
-    TypeWord{"varbinary", FieldType::kBlob},   TypeWord{"char", FieldType::kText},
-    TypeWord{"character", FieldType::kText},   TypeWord{"nchar", FieldType::kText},
-    TypeWord{"varchar", FieldType::kText},     TypeWord{"nvarchar", FieldType::kText},
-    TypeWord{"text", FieldType::kText},        TypeWord{"tinytext", FieldType::kText},
-    TypeWord{"mediumtext", FieldType::kText},  TypeWord{"longtext", FieldType::kText},
-    TypeWord{"clob", FieldType::kText},        TypeWord{"json", FieldType::kText},
-    TypeWord{"enum", FieldType::kText},        TypeWord{"set", FieldType::kText},
-    TypeWord{"time", FieldType::kText},        TypeWord{"uuid", FieldType::kText}};
+    TypeWord{"int", FieldType::kInt},         TypeWord{"integer", FieldType::kInt},
+    TypeWord{"tinyint", FieldType::kInt},     TypeWord{"smallint", FieldType::kInt},
+    TypeWord{"mediumint", FieldType::kInt},   TypeWord{"bigint", FieldType::kInt},
+    TypeWord{"bool", FieldType::kInt},        TypeWord{"boolean", FieldType::kInt},
+    TypeWord{"bit", FieldType::kInt},         TypeWord{"year", FieldType::kInt},
+    TypeWord{"signed", FieldType::kInt},      TypeWord{"double", FieldType::kDouble},
+    TypeWord{"real", FieldType::kDouble},     TypeWord{"float", FieldType::kDouble},
+    TypeWord{"decimal", FieldType::kDouble},  TypeWord{"dec", FieldType::kDouble},
+    TypeWord{"numeric", FieldType::kDouble},  TypeWord{"fixed", FieldType::kDouble},
+    TypeWord{"date", FieldType::kDate},       TypeWord{"datetime", FieldType::kDate},
+    TypeWord{"timestamp", FieldType::kDate},  TypeWord{"blob", FieldType::kBlob},
+    TypeWord{"tinyblob", FieldType::kBlob},   TypeWord{"mediumblob", FieldType::kBlob},
+    TypeWord{"longblob", FieldType::kBlob},   TypeWord{"binary", FieldType::kBlob},
+    TypeWord{"varbinary", FieldType::kBlob},  TypeWord{"char", FieldType::kText},
+    TypeWord{"character", FieldType::kText},  TypeWord{"nchar", FieldType::kText},
+    TypeWord{"varchar", FieldType::kText},    TypeWord{"nvarchar", FieldType::kText},
+    TypeWord{"text", FieldType::kText},       TypeWord{"tinytext", FieldType::kText},
+    TypeWord{"mediumtext", FieldType::kText}, TypeWord{"longtext", FieldType::kText},
+    TypeWord{"clob", FieldType::kText},       TypeWord{"json", FieldType::kText},
+    TypeWord{"enum", FieldType::kText},       TypeWord{"set", FieldType::kText},
+    TypeWord{"time", FieldType::kText},       TypeWord{"uuid", FieldType::kText}};
 
 // What a function makes of its values.
 enum class Makes { kInt, kDouble, kDate, kText, kFirstValue, kNumberOrValue, kBranches };
@@ -48,44 +49,73 @@ struct FunctionWord {
 };
 
 constexpr std::array kFunctions = {
-    FunctionWord{"sum", Makes::kDouble},          FunctionWord{"avg", Makes::kDouble},
-    FunctionWord{"total", Makes::kDouble},        FunctionWord{"round", Makes::kDouble},
-    FunctionWord{"sqrt", Makes::kDouble},         FunctionWord{"pow", Makes::kDouble},
-    FunctionWord{"power", Makes::kDouble},        FunctionWord{"exp", Makes::kDouble},
-    FunctionWord{"ln", Makes::kDouble},           FunctionWord{"log", Makes::kDouble},
-    FunctionWord{"count", Makes::kInt},           FunctionWord{"year", Makes::kInt},
-    FunctionWord{"month", Makes::kInt},           FunctionWord{"day", Makes::kInt},
-    FunctionWord{"quarter", Makes::kInt},         FunctionWord{"length", Makes::kInt},
-    FunctionWord{"instr", Makes::kInt},           FunctionWord{"row_number", Makes::kInt},
-    FunctionWord{"rank", Makes::kInt},            FunctionWord{"dense_rank", Makes::kInt},
-    FunctionWord{"ntile", Makes::kInt},           FunctionWord{"exists", Makes::kInt},
-    FunctionWord{"date", Makes::kDate},           FunctionWord{"curdate", Makes::kDate},
-    FunctionWord{"now", Makes::kDate},            FunctionWord{"datetime", Makes::kDate},
-    FunctionWord{"concat", Makes::kText},         FunctionWord{"group_concat", Makes::kText},
-    FunctionWord{"upper", Makes::kText},          FunctionWord{"lower", Makes::kText},
-    FunctionWord{"trim", Makes::kText},           FunctionWord{"ltrim", Makes::kText},
-    FunctionWord{"rtrim", Makes::kText},          FunctionWord{"replace", Makes::kText},
-    FunctionWord{"substr", Makes::kText},         FunctionWord{"substring", Makes::kText},
-    FunctionWord{"hex", Makes::kText},            FunctionWord{"strftime", Makes::kText},
-    FunctionWord{"printf", Makes::kText},         FunctionWord{"time", Makes::kText},
-    FunctionWord{"min", Makes::kFirstValue},      FunctionWord{"max", Makes::kFirstValue},
-    FunctionWord{"abs", Makes::kFirstValue},      FunctionWord{"nullif", Makes::kFirstValue},
-    FunctionWord{"lag", Makes::kFirstValue},      FunctionWord{"lead", Makes::kFirstValue},
-    FunctionWord{"first_value", Makes::kFirstValue}, FunctionWord{"last_value", Makes::kFirstValue},
-    FunctionWord{"coalesce", Makes::kNumberOrValue}, FunctionWord{"ifnull", Makes::kNumberOrValue},
-    FunctionWord{"if", Makes::kBranches},         FunctionWord{"iif", Makes::kBranches},
+    FunctionWord{"sum", Makes::kDouble},
+    FunctionWord{"avg", Makes::kDouble},
+    FunctionWord{"total", Makes::kDouble},
+    FunctionWord{"round", Makes::kDouble},
+    FunctionWord{"sqrt", Makes::kDouble},
+    FunctionWord{"pow", Makes::kDouble},
+    FunctionWord{"power", Makes::kDouble},
+    FunctionWord{"exp", Makes::kDouble},
+    FunctionWord{"ln", Makes::kDouble},
+    FunctionWord{"log", Makes::kDouble},
+    FunctionWord{"count", Makes::kInt},
+    FunctionWord{"year", Makes::kInt},
+    FunctionWord{"month", Makes::kInt},
+    FunctionWord{"day", Makes::kInt},
+    FunctionWord{"quarter", Makes::kInt},
+    FunctionWord{"length", Makes::kInt},
+    FunctionWord{"instr", Makes::kInt},
+    FunctionWord{"row_number", Makes::kInt},
+    FunctionWord{"rank", Makes::kInt},
+    FunctionWord{"dense_rank", Makes::kInt},
+    FunctionWord{"ntile", Makes::kInt},
+    FunctionWord{"exists", Makes::kInt},
+    FunctionWord{"date", Makes::kDate},
+    FunctionWord{"curdate", Makes::kDate},
+    FunctionWord{"now", Makes::kDate},
+    FunctionWord{"datetime", Makes::kDate},
+    FunctionWord{"concat", Makes::kText},
+    FunctionWord{"group_concat", Makes::kText},
+    FunctionWord{"upper", Makes::kText},
+    FunctionWord{"lower", Makes::kText},
+    FunctionWord{"trim", Makes::kText},
+    FunctionWord{"ltrim", Makes::kText},
+    FunctionWord{"rtrim", Makes::kText},
+    FunctionWord{"replace", Makes::kText},
+    FunctionWord{"substr", Makes::kText},
+    FunctionWord{"substring", Makes::kText},
+    FunctionWord{"hex", Makes::kText},
+    FunctionWord{"strftime", Makes::kText},
+    FunctionWord{"printf", Makes::kText},
+    FunctionWord{"time", Makes::kText},
+    FunctionWord{"min", Makes::kFirstValue},
+    FunctionWord{"max", Makes::kFirstValue},
+    FunctionWord{"abs", Makes::kFirstValue},
+    FunctionWord{"nullif", Makes::kFirstValue},
+    FunctionWord{"lag", Makes::kFirstValue},
+    FunctionWord{"lead", Makes::kFirstValue},
+    FunctionWord{"first_value", Makes::kFirstValue},
+    FunctionWord{"last_value", Makes::kFirstValue},
+    FunctionWord{"coalesce", Makes::kNumberOrValue},
+    FunctionWord{"ifnull", Makes::kNumberOrValue},
+    FunctionWord{"if", Makes::kBranches},
+    FunctionWord{"iif", Makes::kBranches},
     FunctionWord{"ambiente_buscadadostringconfiguracao", Makes::kText}};
 
-constexpr std::array<std::string_view, 9> kTestWords = {"and", "or",  "not",     "is",    "like",
+constexpr std::array<std::string_view, 9> kTestWords = {"and", "or",      "not",    "is",  "like",
                                                         "in",  "between", "regexp", "glob"};
 
-InferredType known(FieldType type) { return {type, false}; }
+InferredType known(FieldType type) {
+  return {type, false};
+}
 
 bool isNumber(InferredType const& type) {
   return type.isArithmetic || type.type == FieldType::kInt || type.type == FieldType::kDouble;
 }
 
-// The type that takes the values of both; a side that is not known leaves the decision to the other.
+// The type that takes the values of both; a side that is not known leaves the decision to the
+// other.
 InferredType common(InferredType const& left, InferredType const& right) {
   if (!left.type || !right.type) {
     return {left.type ? left.type : right.type, left.isArithmetic || right.isArithmetic};
@@ -111,8 +141,10 @@ class Inference {
     return type;
   }
 
-  // A column by its name among the sources; an empty qualifier means any of them, the first that has it.
-  InferredType column(std::string const& qualifier, std::string const& name, SelectShape const& shape) {
+  // A column by its name among the sources; an empty qualifier means any of them, the first that
+  // has it.
+  InferredType column(std::string const& qualifier, std::string const& name,
+                      SelectShape const& shape) {
     for (SelectSource const& source : shape.sources) {
       if (!qualifier.empty() && !equalIgnoringCase(source.alias, qualifier)) {
         continue;
@@ -181,8 +213,10 @@ class Inference {
 
   bool isTest(TokenRange range) const {
     return anyAtTop(range, [&](int i) {
-      return tokens_.isPunctuation(i, '=') || tokens_.isPunctuation(i, '<') || tokens_.isPunctuation(i, '>') ||
-             std::any_of(kTestWords.begin(), kTestWords.end(), [&](auto word) { return tokens_.isWord(i, word); });
+      return tokens_.isPunctuation(i, '=') || tokens_.isPunctuation(i, '<') ||
+             tokens_.isPunctuation(i, '>') ||
+             std::any_of(kTestWords.begin(), kTestWords.end(),
+                         [&](auto word) { return tokens_.isWord(i, word); });
     });
   }
 
@@ -191,7 +225,8 @@ class Inference {
       bool const lone = i == range.begin && range.end - range.begin == 1;
       return !lone && (tokens_.isPunctuation(i, '+') || tokens_.isPunctuation(i, '-') ||
                        tokens_.isPunctuation(i, '*') || tokens_.isPunctuation(i, '/') ||
-                       tokens_.isPunctuation(i, '%') || tokens_.isWord(i, "div") || tokens_.isWord(i, "mod"));
+                       tokens_.isPunctuation(i, '%') || tokens_.isWord(i, "div") ||
+                       tokens_.isWord(i, "mod"));
     });
   }
 
@@ -201,7 +236,8 @@ class Inference {
     int cases = 0;
     int begin = -1;
     for (int i = range.begin; i < range.end; ++i) {
-      bool const ends = cases == 1 && (tokens_.isWord(i, "when") || tokens_.isWord(i, "else") || tokens_.isWord(i, "end"));
+      bool const ends = cases == 1 && (tokens_.isWord(i, "when") || tokens_.isWord(i, "else") ||
+                                       tokens_.isWord(i, "end"));
       if (ends && begin >= 0) {
         result = common(result, infer({begin, i}, shape));
         begin = -1;
@@ -223,8 +259,10 @@ class Inference {
     if (length == 1) {
       return inferSingle(range.begin, shape);
     }
-    bool const qualified = length >= 3 && tokens_.isName(range.end - 1) && tokens_.isPunctuation(range.end - 2, '.');
-    return qualified ? column(tokens_.nameAt(range.end - 3), tokens_.nameAt(range.end - 1), shape) : InferredType{};
+    bool const qualified =
+        length >= 3 && tokens_.isName(range.end - 1) && tokens_.isPunctuation(range.end - 2, '.');
+    return qualified ? column(tokens_.nameAt(range.end - 3), tokens_.nameAt(range.end - 1), shape)
+                     : InferredType{};
   }
 
   InferredType inferSingle(int index, SelectShape const& shape) {
@@ -273,13 +311,20 @@ class Inference {
 
   InferredType made(Makes makes, TokenRange inner, SelectShape const& shape) {
     switch (makes) {
-      case Makes::kInt: return known(FieldType::kInt);
-      case Makes::kDouble: return known(FieldType::kDouble);
-      case Makes::kDate: return known(FieldType::kDate);
-      case Makes::kText: return known(FieldType::kText);
-      case Makes::kFirstValue: return commonOfValues(inner, shape, 0, 1);
-      case Makes::kBranches: return commonOfValues(inner, shape, 1, 3);
-      case Makes::kNumberOrValue: break;
+      case Makes::kInt:
+        return known(FieldType::kInt);
+      case Makes::kDouble:
+        return known(FieldType::kDouble);
+      case Makes::kDate:
+        return known(FieldType::kDate);
+      case Makes::kText:
+        return known(FieldType::kText);
+      case Makes::kFirstValue:
+        return commonOfValues(inner, shape, 0, 1);
+      case Makes::kBranches:
+        return commonOfValues(inner, shape, 1, 3);
+      case Makes::kNumberOrValue:
+        break;
     }
     InferredType const value = commonOfValues(inner, shape, 0, inner.end);
     return isNumber(value) ? known(FieldType::kDouble) : value;
@@ -294,8 +339,8 @@ class Inference {
     int begin = inner.begin + (tokens_.isWord(inner.begin, "distinct") ? 1 : 0);
     int number = 0;
     for (int i = begin; i <= inner.end && number < last; ++i) {
-      bool const comma =
-          i < inner.end && tokens_.isPunctuation(i, ',') && tokens_.at(i).depth == tokens_.at(inner.begin).depth;
+      bool const comma = i < inner.end && tokens_.isPunctuation(i, ',') &&
+                         tokens_.at(i).depth == tokens_.at(inner.begin).depth;
       if (i < inner.end && !comma) {
         continue;
       }
@@ -308,12 +353,14 @@ class Inference {
     return result;
   }
 
-  InferredType columnOf(SelectSource const& source, std::string const& name, SelectShape const& shape) {
+  InferredType columnOf(SelectSource const& source, std::string const& name,
+                        SelectShape const& shape) {
     if (isSpent(source.subquery)) {
       return {};
     }
     if (source.subquery.isEmpty()) {
-      return source.table.empty() ? InferredType{} : InferredType{columnTypes_(source.table, name), false};
+      return source.table.empty() ? InferredType{}
+                                  : InferredType{columnTypes_(source.table, name), false};
     }
     ++nesting_;
     InferredType const type = columnOfSubquery(source, name, shape);
@@ -321,7 +368,8 @@ class Inference {
     return type;
   }
 
-  InferredType columnOfSubquery(SelectSource const& source, std::string const& name, SelectShape const& shape) {
+  InferredType columnOfSubquery(SelectSource const& source, std::string const& name,
+                                SelectShape const& shape) {
     SelectShape const inner = parseSelect(tokens_, source.subquery, shape.known);
     for (std::size_t i = 0; i < inner.items.size(); ++i) {
       SelectItem const& item = inner.items[i];
@@ -367,7 +415,8 @@ FieldType InferredType::withoutRows() const {
   return type.value_or(isArithmetic ? FieldType::kDouble : FieldType::kText);
 }
 
-ResultTypes::ResultTypes(std::string statement, std::vector<std::string> fieldNames, ColumnTypes columnTypes)
+ResultTypes::ResultTypes(std::string statement, std::vector<std::string> fieldNames,
+                         ColumnTypes columnTypes)
     : statement_(std::move(statement)),
       tokens_(statement_),
       fieldNames_(std::move(fieldNames)),
@@ -408,9 +457,9 @@ std::string ResultTypes::tableAlias(int field, std::string const& table) const {
   if (item != nullptr && item->expression.end - item->expression.begin >= 3) {
     return tokens_.nameAt(item->expression.end - 3);
   }
-  auto const source = std::find_if(shape_.sources.begin(), shape_.sources.end(), [&](SelectSource const& each) {
-    return equalIgnoringCase(each.table, table);
-  });
+  auto const source =
+      std::find_if(shape_.sources.begin(), shape_.sources.end(),
+                   [&](SelectSource const& each) { return equalIgnoringCase(each.table, table); });
   return source == shape_.sources.end() ? std::string() : source->alias;
 }
 

@@ -11,10 +11,13 @@ constexpr std::int64_t kRowsPerReport = 1024;
 
 }  // namespace
 
-StatementBase::StatementBase(std::shared_ptr<PhysicalConnection> connection, StatementScript const& script)
+StatementBase::StatementBase(std::shared_ptr<PhysicalConnection> connection,
+                             StatementScript const& script)
     : connection_(std::move(connection)), before_(script.before), after_(script.after) {}
 
-StatementBase::~StatementBase() { runAfterQuietly(); }
+StatementBase::~StatementBase() {
+  runAfterQuietly();
+}
 
 void StatementBase::runBefore() {
   afterOwed_ = true;
@@ -155,7 +158,8 @@ void StatementBase::requirePosition(int position, int markCount) const {
   int const open = firstSealed_ < 0 ? markCount : firstSealed_;
   if (position < 0 || position >= open) {
     throw DatabaseError("A value was given for position " + std::to_string(position) +
-                            ", but the statement has " + std::to_string(open) + " marks, counted from 0",
+                            ", but the statement has " + std::to_string(open) +
+                            " marks, counted from 0",
                         "");
   }
 }

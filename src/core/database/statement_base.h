@@ -13,22 +13,25 @@
 
 namespace mox::core {
 
-/// Told the rows read so far in the running execution, about every 1024 rows, on the thread that reads them.
+/// Told the rows read so far in the running execution, about every 1024 rows, on the thread that
+/// reads them.
 using RowObserver = std::function<void(std::int64_t rowsSoFar)>;
 
-/// What the statements of every kind of database have in common: the statements that stand before and after
-/// the main one, the checks of positions and indexes, and the report of progress. Belongs to one thread.
+/// What the statements of every kind of database have in common: the statements that stand before
+/// and after the main one, the checks of positions and indexes, and the report of progress. Belongs
+/// to one thread.
 ///
-/// The statements before the main one may make what it reads, so they run ahead of its preparation, which stands
-/// for the first execution's, and ahead of every later execution. Each run of them is paired with one run of the
-/// statements after: when the last row was read, when a statement without rows was executed, when the next
-/// execution begins, when something failed, or when the statement is dropped.
+/// The statements before the main one may make what it reads, so they run ahead of its preparation,
+/// which stands for the first execution's, and ahead of every later execution. Each run of them is
+/// paired with one run of the statements after: when the last row was read, when a statement
+/// without rows was executed, when the next execution begins, when something failed, or when the
+/// statement is dropped.
 class StatementBase : public moxDatabaseConnection::PreparedStatement, public moxRowBlockReader {
  public:
   using FieldInfo = moxDatabaseConnection::FieldInfo;
 
-  /// Runs the statements after, where they are still owed. A deriving class ends its own statement in its own
-  /// destructor, so that the line is free by then.
+  /// Runs the statements after, where they are still owed. A deriving class ends its own statement
+  /// in its own destructor, so that the line is free by then.
   ~StatementBase() override;
 
   StatementBase(StatementBase const&) = delete;
@@ -43,21 +46,23 @@ class StatementBase : public moxDatabaseConnection::PreparedStatement, public mo
   /// An empty function ends the reports.
   void setRowObserver(RowObserver observer) { observer_ = std::move(observer); }
 
-  /// Marks from this position on are the framework's own: whoever binds one of them later is refused.
+  /// Marks from this position on are the framework's own: whoever binds one of them later is
+  /// refused.
   void sealMarks(int firstSealed) { firstSealed_ = firstSealed; }
 
  protected:
   /// `connection` must not be empty; `script` without its main statement is what this class runs.
   StatementBase(std::shared_ptr<PhysicalConnection> connection, StatementScript const& script);
 
-  /// To be called at the start of the deriving constructor, before the main statement is prepared. What a
-  /// constructor throws later leads to the statements after.
+  /// To be called at the start of the deriving constructor, before the main statement is prepared.
+  /// What a constructor throws later leads to the statements after.
   void runBefore();
 
   /// Fields of the result. For executeMain, or earlier where they are known earlier.
   void setFields(std::vector<FieldInfo> fields) { fields_ = std::move(fields); }
 
-  /// Runs the main statement with its values, and sets the fields; without fields the whole is over with it.
+  /// Runs the main statement with its values, and sets the fields; without fields the whole is over
+  /// with it.
   virtual void executeMain() = 0;
 
   /// Moves to the next row; false after the last.
@@ -66,18 +71,20 @@ class StatementBase : public moxDatabaseConnection::PreparedStatement, public mo
   /// As fetchBlock. `fields` has one entry a field, `capacity` is above 0.
   virtual int fetchBlockMain(std::vector<moxFieldBlock>& fields, int capacity) = 0;
 
-  /// Gives up the rows not yet read, so that the line is free for other statements. Called after the last row,
-  /// after a failure, and ahead of a new execution; more than once in a row does no harm.
+  /// Gives up the rows not yet read, so that the line is free for other statements. Called after
+  /// the last row, after a failure, and ahead of a new execution; more than once in a row does no
+  /// harm.
   virtual void releaseRows() noexcept = 0;
 
-  /// Ends the rows of the running execution ahead of their end. The statements after stay owed: to the next
-  /// execution, or to the destructor.
+  /// Ends the rows of the running execution ahead of their end. The statements after stay owed: to
+  /// the next execution, or to the destructor.
   void stopReading();
 
   /// Throws moxError for a position outside 0 .. markCount-1 or a sealed one.
   void requirePosition(int position, int markCount) const;
 
-  /// Throws std::out_of_range for an index outside the fields, std::logic_error where no row stands.
+  /// Throws std::out_of_range for an index outside the fields, std::logic_error where no row
+  /// stands.
   void requireField(int index) const {
     if (!hasRow_ || index < 0 || index >= fieldCount()) {
       throwUnreadable(index);
@@ -104,9 +111,9 @@ class StatementBase : public moxDatabaseConnection::PreparedStatement, public mo
   std::int64_t rowsReported_ = 0;  // likewise
   int firstSealed_ = -1;           // -1: none is sealed
   State state_ = State::kIdle;
-  bool afterOwed_ = false;         // the statements before have run, those after have not
-  bool fresh_ = false;             // the statements before ran for a preparation that was not executed yet
-  bool hasRow_ = false;            // fetch stands on a row
+  bool afterOwed_ = false;  // the statements before have run, those after have not
+  bool fresh_ = false;      // the statements before ran for a preparation that was not executed yet
+  bool hasRow_ = false;     // fetch stands on a row
 };
 
 }  // namespace mox::core

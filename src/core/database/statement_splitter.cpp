@@ -11,11 +11,13 @@ namespace {
 
 constexpr std::array<std::string_view, 9> kReadingWords = {
     "select", "values", "table", "show", "explain", "describe", "desc", "call", "pragma"};
-constexpr std::array<std::string_view, 4> kChangingWords = {"insert", "replace", "update", "delete"};
+constexpr std::array<std::string_view, 4> kChangingWords = {"insert", "replace", "update",
+                                                            "delete"};
 
 template <std::size_t N>
 bool isOneOf(SqlTokens const& tokens, int index, std::array<std::string_view, N> const& words) {
-  return std::any_of(words.begin(), words.end(), [&](auto word) { return tokens.isWord(index, word); });
+  return std::any_of(words.begin(), words.end(),
+                     [&](auto word) { return tokens.isWord(index, word); });
 }
 
 int firstWord(SqlTokens const& tokens) {
@@ -73,7 +75,8 @@ std::vector<std::string> pieces(std::string_view text) {
 void refuseMarks(std::vector<std::string> const& statements) {
   for (std::string const& statement : statements) {
     if (countMarks(statement) > 0) {
-      throw DatabaseError("Only the main statement of a script may have marks for values", "", statement);
+      throw DatabaseError("Only the main statement of a script may have marks for values", "",
+                          statement);
     }
   }
 }
@@ -86,7 +89,8 @@ StatementScript splitScript(std::string_view text) {
   if (all.empty()) {
     return script;
   }
-  auto main = std::find_if(all.begin(), all.end(), [](std::string const& piece) { return hasRows(piece); });
+  auto main =
+      std::find_if(all.begin(), all.end(), [](std::string const& piece) { return hasRows(piece); });
   if (main == all.end()) {
     --main;
   }
@@ -107,6 +111,8 @@ int countMarks(std::string_view statement) {
   return marks;
 }
 
-bool hasRows(std::string_view statement) { return returnsRows(SqlTokens(statement)); }
+bool hasRows(std::string_view statement) {
+  return returnsRows(SqlTokens(statement));
+}
 
 }  // namespace mox::core

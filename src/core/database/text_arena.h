@@ -8,8 +8,8 @@
 
 namespace mox::core {
 
-/// Room for the texts of a block of rows. Copies stay where they are until clear(); the memory is used again for
-/// the next block.
+/// Room for the texts of a block of rows. Copies stay where they are until clear(); the memory is
+/// used again for the next block.
 class TextArena {
  public:
   /// A copy of the bytes, valid until clear().
@@ -24,7 +24,8 @@ class TextArena {
   }
   std::string_view copy(std::string_view text) { return copy(text.data(), text.size()); }
 
-  /// Drops all texts. Keeps chunks of the usual size only, so that one huge value is not held for ever.
+  /// Drops all texts. Keeps chunks of the usual size only, so that one huge value is not held for
+  /// ever.
   void clear();
 
  private:

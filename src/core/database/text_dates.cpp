@@ -22,20 +22,24 @@ struct Parts {
   int second = 0;
 };
 
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
-bool isLeap(int year) { return year % 4 == 0 && (year % 100 != 0 || year % 400 == 0); }
+bool isDigit(char c) {
+  return c >= '0' && c <= '9';
+}
+bool isLeap(int year) {
+  return year % 4 == 0 && (year % 100 != 0 || year % 400 == 0);
+}
 
 bool isInCalendar(Parts const& p) {
   if (p.year < 1 || p.year > 9999 || p.month < 1 || p.month > 12 || p.day < 1) {
     return false;
   }
   int const leapDay = p.month == 2 && isLeap(p.year) ? 1 : 0;
-  return p.day <= kDaysInMonth[static_cast<std::size_t>(p.month)] + leapDay && p.hour < 24 && p.minute < 60 &&
-         p.second < 60;
+  return p.day <= kDaysInMonth[static_cast<std::size_t>(p.month)] + leapDay && p.hour < 24 &&
+         p.minute < 60 && p.second < 60;
 }
 
-// The calendar's own conversion carries parts of any size on; parts that are in range need none of it, and a
-// load converts one for every cell of a date column.
+// The calendar's own conversion carries parts of any size on; parts that are in range need none of
+// it, and a load converts one for every cell of a date column.
 std::optional<datetime_t> momentOf(Parts const& p) {
   if (!isInCalendar(p)) {
     return std::nullopt;
@@ -43,15 +47,19 @@ std::optional<datetime_t> momentOf(Parts const& p) {
   int const before = p.year - 1;
   int const leapDay = p.month > 2 && isLeap(p.year) ? 1 : 0;
   std::int64_t const days = before * 365 + before / 4 - before / 100 + before / 400 +
-                            kDaysBeforeMonth[static_cast<std::size_t>(p.month)] + leapDay + p.day - kDaysBeforeEpoch;
+                            kDaysBeforeMonth[static_cast<std::size_t>(p.month)] + leapDay + p.day -
+                            kDaysBeforeEpoch;
   return datetime_t::fromTime_t(days * 86400 + p.hour * 3600 + p.minute * 60 + p.second);
 }
 
-// A number beyond 9 or 99 for two places means that a character was no digit; the parts' bounds refuse it.
+constexpr int kNoNumber = 100000;  // beyond the bound of every part, also as half of a year
+
+// kNoNumber when one of the two characters is no digit: the bounds of the parts refuse it later,
+// all at once.
 int two(char const* text) {
   unsigned const tens = static_cast<unsigned char>(text[0]) - static_cast<unsigned>('0');
   unsigned const ones = static_cast<unsigned char>(text[1]) - static_cast<unsigned>('0');
-  return tens > 9 || ones > 9 ? 1000 : static_cast<int>(tens * 10 + ones);
+  return tens > 9 || ones > 9 ? kNoNumber : static_cast<int>(tens * 10 + ones);
 }
 
 bool isFraction(std::string_view text) {
@@ -64,7 +72,8 @@ bool isFraction(std::string_view text) {
 }
 
 bool readIsoTime(std::string_view text, Parts& parts) {
-  if (text.size() < 19 || (text[10] != ' ' && text[10] != 'T') || text[13] != ':' || text[16] != ':') {
+  if (text.size() < 19 || (text[10] != ' ' && text[10] != 'T') || text[13] != ':' ||
+      text[16] != ':') {
     return false;
   }
   parts.hour = two(text.data() + 11);
@@ -205,15 +214,16 @@ std::optional<datetime_t> parseDateText(std::string_view text) noexcept {
 }
 
 std::string isoText(date_t const& date) {
-  return date ? fmt::format("{:04}-{:02}-{:02}", date.year(), date.month(), date.day()) : std::string();
+  return date ? fmt::format("{:04}-{:02}-{:02}", date.year(), date.month(), date.day())
+              : std::string();
 }
 
 std::string isoText(datetime_t const& moment) {
   if (!moment) {
     return {};
   }
-  return fmt::format("{:04}-{:02}-{:02} {:02}:{:02}:{:02}", moment.year(), moment.month(), moment.day(),
-                     moment.hour(), moment.minute(), moment.second());
+  return fmt::format("{:04}-{:02}-{:02} {:02}:{:02}:{:02}", moment.year(), moment.month(),
+                     moment.day(), moment.hour(), moment.minute(), moment.second());
 }
 
 }  // namespace mox::core

@@ -1,0 +1,43 @@
+#include "core/database/block_arena.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace mox::core {
+namespace {
+
+TEST(BlockArena, KeepsEveryTextUntilItIsCleared) {
+  BlockArena arena;
+  for (int block = 0; block < 3; ++block) {
+    arena.clear();
+    std::vector<std::string_view> views;
+    for (std::size_t i = 0; i < 3000; ++i) {
+      std::string const text(i % 97, static_cast<char>('a' + i % 26));
+      views.push_back(arena.keep(text.data(), text.size()));
+    }
+    for (std::size_t i = 0; i < views.size(); ++i) {
+      ASSERT_EQ(views[i], std::string(i % 97, static_cast<char>('a' + i % 26)));
+    }
+  }
+}
+
+TEST(BlockArena, TakesTextsLargerThanAllItKeeps) {
+  BlockArena arena;
+  std::string const small = "abc";
+  std::string const huge(20 * 1024 * 1024, 'x');
+  auto const first = arena.keep(small.data(), small.size());
+  EXPECT_EQ(arena.keep(huge.data(), huge.size()), huge);
+  EXPECT_EQ(first, "abc");
+  arena.clear();
+  EXPECT_EQ(arena.keep(small.data(), small.size()), "abc");
+}
+
+TEST(BlockArena, AnEmptyTextIsNoNullPointer) {
+  BlockArena arena;
+  arena.keep("a", 1);
+  EXPECT_EQ(arena.keep("", 0), "");
+}
+
+}  // namespace
+}  // namespace mox::core
