@@ -26,8 +26,8 @@ Application::Application(Settings settings)
 Application::~Application() {
   try {
     registry_.stopServices();
-  } catch (...) {  // NOLINT(bugprone-empty-catch): every service was stopped, and nobody is left to
-                   // be told
+  } catch (...) {
+    // Every service was stopped nevertheless, and a destructor has nobody to tell.
   }
   sessions_.endAll();
   registry_.clear();

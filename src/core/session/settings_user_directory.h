@@ -9,9 +9,14 @@ namespace mox::core {
 
 /// Users as the settings have them, a table each under [users]:
 ///
-///     [users]
-///     maria = {id = 7, default_unit = 3, head_office = 1, units = [3, 4], works_by_units = true,
-///              libraries = ["ZYNC"], student = false}
+///     [users.maria]
+///     id = 7
+///     default_unit = 3
+///     head_office = 1
+///     units = [3, 4]
+///     works_by_units = true
+///     libraries = ["ZYNC"]
+///     student = false
 ///
 /// Every key but `id` may be left out. The head office is that of all the user's units.
 class SettingsUserDirectory final : public UserDirectory {
