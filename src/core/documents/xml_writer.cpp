@@ -85,22 +85,37 @@ class Writer {
     escaped(value, [](char c) { return isControl(c) && c != '\n' && c != '\t'; });
   }
 
+  /// Runs of plain characters, which is nearly all there is, are copied at once.
   template <class NeedsReference>
   void escaped(std::string_view value, NeedsReference needsReference) {
-    for (char const c : value) {
-      if (c == '&') {
-        out_ += "&amp;";
-      } else if (c == '<') {
-        out_ += "&lt;";
-      } else if (c == '>') {
-        out_ += "&gt;";
-      } else if (c == '"' && needsReference(c)) {
-        out_ += "&quot;";
-      } else if (needsReference(c)) {
-        reference(c);
-      } else {
-        out_ += c;
+    std::size_t plain = 0;
+    for (std::size_t i = 0; i < value.size(); ++i) {
+      char const c = value[i];
+      if (c == '&' || c == '<' || c == '>' || needsReference(c)) {
+        out_.append(value.substr(plain, i - plain));
+        special(c);
+        plain = i + 1;
       }
+    }
+    out_.append(value.substr(plain));
+  }
+
+  void special(char c) {
+    switch (c) {
+      case '&':
+        out_ += "&amp;";
+        break;
+      case '<':
+        out_ += "&lt;";
+        break;
+      case '>':
+        out_ += "&gt;";
+        break;
+      case '"':
+        out_ += "&quot;";
+        break;
+      default:
+        reference(c);
     }
   }
 
