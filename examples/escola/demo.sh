@@ -8,7 +8,7 @@ set -eu
 build=$1
 demo=$2
 zyn="$build/bin/zyn"
-user=diretora.rede
+user=rosangela
 
 mkdir -p "$demo"
 
@@ -28,20 +28,24 @@ TOML
   --format table
 
 echo
-echo "2. How each school did in each subject this year, best first, as $user may see it"
+echo "2. How the network's schools did in each subject this year, best first, as its director $user may see it"
 question="select * from (
-    select n.id_unidade, u.nome as unidade, d.nome as disciplina, count(n.nota) as notas,
+    select n.id_unidade, u.cidade, d.nome as disciplina, count(n.nota) as notas,
            round(avg(n.nota), 2) as media, min(n.nota) as menor, max(n.nota) as maior,
            sum(n.faltas) as faltas, max(n.lancada_em) as ultimo_lancamento
     from escola_notas n
+    inner join escola_matriculas m on m.id = n.id_matricula
+    inner join escola_turmas t on t.id = m.id_turma
     inner join escola_disciplinas d on d.id = n.id_disciplina
     inner join ambiente_unidades u on u.id = n.id_unidade
-    where year(n.lancada_em) = 2024
-    group by n.id_unidade, u.nome, d.nome) resumo"
-"$zyn" --config "$demo/zyn.toml" --user "$user" --quiet sql "$question" \
-  --unit-column resumo.id_unidade --sort media:desc,unidade,disciplina --format csv --out "$demo/medias.csv"
-"$zyn" --config "$demo/zyn.toml" --user "$user" --quiet sql "$question" \
-  --unit-column resumo.id_unidade --sort media:desc,unidade,disciplina --limit 12 --format table
+    where t.ano = 2024
+    group by n.id_unidade, u.cidade, d.nome) resumo"
+ask() {
+  "$zyn" --config "$demo/zyn.toml" --user "$user" --unit 1 --unit 2 --unit 3 --unit 4 --unit 5 --quiet \
+    sql "$question" --unit-column resumo.id_unidade --sort media:desc,cidade,disciplina "$@"
+}
+ask --format csv --out "$demo/medias.csv"
+ask --format table --limit 12
 echo "   all $(($(wc -l <"$demo/medias.csv") - 1)) lines: $demo/medias.csv"
 
 echo
