@@ -91,12 +91,16 @@ await_ready() {
   done
 }
 
+# Another server may stand in DIR by the time the owner ends: only the one that it was started with is ended.
 watch_owner() {
+  watched=$(server_pid)
   (
-    while kill -0 "$1" && server_pid; do
+    while is_running "$1" && [ "$(server_pid)" = "$watched" ]; do
       sleep 0.5
     done
-    stop_server
+    if [ "$(server_pid)" = "$watched" ]; then
+      stop_server
+    fi
   ) >/dev/null 2>&1 </dev/null &
 }
 

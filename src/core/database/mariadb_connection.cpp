@@ -136,12 +136,12 @@ void MariadbConnection::open() {
     if (!connected) {
       failToOpen();
     }
+    lost_ = false;
     setUpSession();
   } catch (...) {
     close();
     throw;
   }
-  lost_ = false;
 }
 
 void MariadbConnection::failToOpen() {
@@ -180,6 +180,7 @@ void MariadbConnection::setUpSession() {
   std::string const modes = readableModes(queryText("select @@session.sql_mode"));
   execute("set session autocommit = 1, sql_mode = '" + modes + "'");
   hasSessionState_ = false;
+  isInTransaction_ = false;
 }
 
 std::shared_ptr<moxDatabaseConnection::PreparedStatement> MariadbConnection::prepare(StatementScript script) {
@@ -200,6 +201,7 @@ void MariadbConnection::execute(std::string const& sql) {
   if (next > 0) {
     fail(nullptr, sql);
   }
+  noteTransaction();
 }
 
 void MariadbConnection::dropRows(std::string const& sql) {
@@ -239,7 +241,7 @@ void MariadbConnection::ensureUsable() {
                         "given up",
                         std::to_string(CR_SERVER_LOST));
   }
-  bool const takenAlong = std::exchange(hasSessionState_, false) || isInTransaction();
+  bool const takenAlong = hasSessionState_ || isInTransaction_;
   try {
     close();
     open();
@@ -306,8 +308,9 @@ void MariadbConnection::noteSessionState(std::string const& sql, bool repeated) 
   hasSessionState_ = hasSessionState_ || leavesSessionState(SqlTokens(sql), repeated);
 }
 
-bool MariadbConnection::isInTransaction() const {
-  return mysql_ != nullptr && (mysql_->server_status & SERVER_STATUS_IN_TRANS) != 0;
+/// To be asked after an answer: the client library forgets it together with the line.
+void MariadbConnection::noteTransaction() {
+  isInTransaction_ = (mysql_->server_status & SERVER_STATUS_IN_TRANS) != 0;
 }
 
 void MariadbConnection::fail(MYSQL_STMT* statement, std::string const& sql) {

@@ -61,6 +61,9 @@ class MariadbConnection : public PhysicalConnection, public std::enable_shared_f
   /// is run again ahead of every use of what it sets.
   void noteSessionState(std::string const& sql, bool repeated);
 
+  /// Notes whether the server's last answer left a transaction open.
+  void noteTransaction();
+
   /// Throws the failure that the client library reports for the statement, or else for the line. Notes a lost
   /// line. `statement` may be null.
   [[noreturn]] void fail(MYSQL_STMT* statement, std::string const& sql);
@@ -73,7 +76,6 @@ class MariadbConnection : public PhysicalConnection, public std::enable_shared_f
   void setUpSession();
   void closeLeft() noexcept;
   bool hasHungUp();
-  bool isInTransaction() const;
   void dropRows(std::string const& sql);
   std::string queryText(std::string const& sql);
 
@@ -84,7 +86,8 @@ class MariadbConnection : public PhysicalConnection, public std::enable_shared_f
   std::vector<MYSQL_STMT*> left_;  // let go while the line was in use
   int livingStatements_ = 0;
   bool lost_ = false;
-  bool hasSessionState_ = false;  // temporary tables, an open transaction and the like
+  bool hasSessionState_ = false;  // temporary tables, variables and the like
+  bool isInTransaction_ = false;
 };
 
 }  // namespace mox::core

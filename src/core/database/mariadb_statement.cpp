@@ -135,6 +135,7 @@ void MariadbStatement::executeMain() {
       connection_->fail(handle_, sql_);
     }
   }
+  connection_->noteTransaction();
   readFields();
   if (fieldCount() == 0) {
     connection_->setReader(nullptr);
