@@ -3,6 +3,7 @@
 #include <array>
 #include <cstdint>
 #include <cstring>
+#include <new>
 #include <set>
 #include <stdexcept>
 #include <string_view>
@@ -36,6 +37,23 @@ void appendNulls(NullBits& bits, NullBytes const& bytes, std::size_t rows) {
         bits.set(start + row);
       }
     }
+  }
+}
+
+/// Makes room for `rows` cells. A large array takes address space well ahead of its rows: that
+/// costs nothing until it is touched, while doubling would have the system clear, and the loop
+/// copy, all of it once more.
+template <class Array>
+void growFor(Array& cells, std::size_t rows) {
+  constexpr std::size_t kLargeBytes = std::size_t{1} << 20;
+  constexpr std::size_t kGrowth = 8;
+  if (rows <= cells.capacity() || cells.size() * sizeof(cells[0]) < kLargeBytes) {
+    return;  // enough room, or the array grows by itself
+  }
+  try {
+    cells.reserve(kGrowth * cells.size());
+  } catch (std::bad_alloc const&) {
+    cells.reserve(rows + cells.size() / 2);  // address space is short
   }
 }
 
@@ -81,6 +99,7 @@ class StorageSink : public BlockSink {
 
   /// The cells behind the committed ones, all with the value that stands under a null.
   typename ColumnStorage<T>::Cell* freshCells(std::size_t rows) {
+    growFor(cells(), committed() + rows);
     cells().resize(committed() + rows);
     return cells().data() + committed();
   }

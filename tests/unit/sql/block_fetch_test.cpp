@@ -117,6 +117,24 @@ TEST_F(BlockFetchTest, ReportedRowCountIsOnlyAHint) {
   EXPECT_EQ(load(result, true)->rowCount(), 5000U);
 }
 
+// Columns grow in another way once they are large.
+TEST_F(BlockFetchTest, LargeResultsKeepEveryRow) {
+  constexpr int kRows = 140'000;
+  FakeResult result{{{"n", FieldType::kInt}, {"t", FieldType::kText}}, {}, -1};
+  for (int row = 0; row < kRows; ++row) {
+    result.rows.push_back({row, "row " + std::to_string(row)});
+  }
+  auto const loaded = load(result, true);
+  ASSERT_EQ(loaded->rowCount(), static_cast<unsigned int>(kRows));
+  auto const& numbers = dynamic_cast<moxDataMatrixIntColumn const&>(*loaded->columnAt(0));
+  auto const& names = dynamic_cast<moxDataMatrixTextColumn const&>(*loaded->columnAt(1));
+  for (int row = 0; row < kRows; ++row) {
+    auto const at = static_cast<unsigned int>(row);
+    ASSERT_EQ(numbers.getValue(at), row);
+    ASSERT_EQ(names.getValue(at), "row " + std::to_string(row));
+  }
+}
+
 TEST_F(BlockFetchTest, SecondExecutionReplacesTheRows) {
   FakeResult const result{{{"t", FieldType::kText}},
                           {{"a text that is too long to stand in a cell"}, {FakeCell{}}},
