@@ -7,6 +7,7 @@
 #include <vector>
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 #include <CLI/CLI.hpp>
 
 #include "cli/commands/commands.h"
@@ -77,6 +78,8 @@ class Program {
     } catch (CLI::CallForVersion const& version) {
       printOut(std::string(version.what()) + "\n");
       return 0;
+    } catch (CLI::ExtrasError const& error) {
+      throw UsageError(parser_.get_subcommands().empty() ? unknownCommand() : error.what());
     } catch (CLI::ParseError const& error) {
       throw UsageError(error.what());
     }
@@ -105,6 +108,16 @@ class Program {
   std::string helpText() {
     std::string help = parser_.help();
     return help.ends_with('\n') ? help : help + "\n";
+  }
+
+  /// What could not be placed, when no command was chosen: usually a command's name, mistyped.
+  std::string unknownCommand() const {
+    std::vector<std::string> names;
+    for (auto const& command : commands_) {
+      names.push_back(command.parser->get_name());
+    }
+    return fmt::format("there is no command or option {}; the commands are {}",
+                       parser_.remaining().front(), fmt::join(names, ", "));
   }
 
   int runChosen() {

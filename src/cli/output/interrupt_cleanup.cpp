@@ -52,4 +52,17 @@ InterruptCleanup::~InterruptCleanup() {
   doomedPath = nullptr;
 }
 
+HeldInterrupts::HeldInterrupts() {
+  sigset_t held;
+  sigemptyset(&held);
+  for (int const ending : kEndings) {
+    sigaddset(&held, ending);
+  }
+  pthread_sigmask(SIG_BLOCK, &held, &before_);
+}
+
+HeldInterrupts::~HeldInterrupts() {
+  pthread_sigmask(SIG_SETMASK, &before_, nullptr);
+}
+
 }  // namespace mox::cli

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <csignal>
 #include <string>
 
 namespace mox::cli {
@@ -15,6 +16,19 @@ class InterruptCleanup {
 
  private:
   std::string path_;
+};
+
+/// Keeps such signals waiting while it lives, so that none comes between a file's making and its
+/// cleanup.
+class HeldInterrupts {
+ public:
+  HeldInterrupts();
+  HeldInterrupts(HeldInterrupts const&) = delete;
+  HeldInterrupts& operator=(HeldInterrupts const&) = delete;
+  ~HeldInterrupts();
+
+ private:
+  sigset_t before_;
 };
 
 }  // namespace mox::cli

@@ -102,8 +102,9 @@ class ReplacingFile : public OutputTarget {
   ReplacingFile(std::filesystem::path path, std::optional<mode_t> mode, std::string shownPath)
       : path_(std::move(path)),
         shownPath_(std::move(shownPath)),
-        newPath_(path_.parent_path() / ".zyn-XXXXXX"),
-        file_(mkostemp(newPath_.data(), O_CLOEXEC)) {
+        newPath_(path_.parent_path() / ".zyn-XXXXXX") {
+    HeldInterrupts const held;
+    file_ = core::FileDescriptor(mkostemp(newPath_.data(), O_CLOEXEC));
     if (!file_) {
       fail(shownPath_, errno);
     }

@@ -44,7 +44,7 @@ std::string summaryText(ResultTable const& table, unsigned int allRows,
   }
   std::string text = rowsText(table, allRows);
   if (!leftOut.empty()) {
-    text += fmt::format("; too narrow for {} more: {}", leftOut.size() == 1 ? "column" : "columns",
+    text += fmt::format("; no room for the {} {}", leftOut.size() == 1 ? "column" : "columns",
                         fmt::join(leftOut, ", "));
   }
   return oneLineText(text);

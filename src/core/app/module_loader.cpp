@@ -8,6 +8,7 @@
 #include <dlfcn.h>
 #include <fmt/format.h>
 
+#include "core/app/library_file.h"
 #include "mox/core/error.h"
 
 namespace mox::core {
@@ -129,6 +130,9 @@ ModuleLoader::~ModuleLoader() {
 
 void ModuleLoader::load(std::filesystem::path const& path) {
   std::string const name = std::filesystem::absolute(path).lexically_normal().string();
+  if (isCutShort(name)) {
+    refuse(name, "cannot be loaded: the file is cut short");
+  }
   ModuleFile file(name);
   auto const points = entryPointsOf(file);
   demandVersion(points, name);
