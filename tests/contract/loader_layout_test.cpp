@@ -65,8 +65,8 @@ TEST_P(LoaderLayout, TextColumnOverANumberReadsItsText) {
               isMatrix({{"id", texts("1", "2", "3")}}));
 }
 
-/// Fills by cells where a column of foreign make stands among the targets, and compares with the
-/// blocks' result.
+/// A column of foreign make among the targets keeps the loader to its road cell by cell: both roads
+/// are compared.
 TEST_P(LoaderLayout, ColumnsKindDecidesHowAFieldIsReadOnBothRoads) {
   makeGrades();
   std::string const sql = "select valor, id, quando, texto from notas order by id";
