@@ -21,8 +21,12 @@ std::vector<MYSQL_FIELD> resultFields(MYSQL_STMT* handle) {
   return {fields, fields + mysql_num_fields(description.get())};
 }
 
+std::string_view kept(BlockArena& arena, std::string_view text) {
+  return arena.keep(text.data(), text.size());
+}
+
 /// Copies a row into row number `at` of the block.
-void copyRow(std::vector<MariadbField> const& cells, std::vector<moxFieldBlock>& blocks, int at, TextArena& arena,
+void copyRow(std::vector<MariadbField> const& cells, std::vector<moxFieldBlock>& blocks, int at, BlockArena& arena,
              std::string& scratch) {
   for (std::size_t i = 0; i < cells.size(); ++i) {
     moxFieldBlock& block = blocks[i];
@@ -45,7 +49,7 @@ void copyRow(std::vector<MariadbField> const& cells, std::vector<moxFieldBlock>&
         block.dates[at] = readMoment(cell);
         break;
       default:
-        block.texts[at] = arena.copy(readText(cell, scratch));
+        block.texts[at] = kept(arena, readText(cell, scratch));
     }
   }
 }

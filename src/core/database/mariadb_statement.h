@@ -8,12 +8,12 @@
 
 #include <mysql.h>
 
+#include "core/database/block_arena.h"
 #include "core/database/mariadb_connection.h"
 #include "core/database/mariadb_field.h"
 #include "core/database/mariadb_parameters.h"
 #include "core/database/mariadb_row_store.h"
 #include "core/database/statement_base.h"
-#include "core/database/text_arena.h"
 
 namespace mox::core {
 
@@ -76,7 +76,7 @@ class MariadbStatement : public StatementBase {
   MariadbRowStore store_;
   std::exception_ptr storedFailure_;          // stands behind the last stored row
   mutable std::vector<std::string> scratch_;  // texts of numbers and dates, field by field
-  TextArena arena_;                           // texts of the last block
+  BlockArena arena_;                          // texts of the last block
 };
 
 }  // namespace mox::core
