@@ -5,9 +5,9 @@
 namespace mox::core {
 namespace {
 
-constexpr std::size_t kFirstPiece = 64 * 1024;
+constexpr std::size_t kFirstPiece = std::size_t{64} * 1024;
 constexpr std::size_t kMostKept =
-    16 * 1024 * 1024;  // a block of huge values must not hold its memory for ever
+    std::size_t{16} * 1024 * 1024;  // a block of huge values must not hold its memory for ever
 
 }  // namespace
 

@@ -14,6 +14,9 @@ class BlockArena {
  public:
   /// A copy of the bytes.
   std::string_view keep(char const* bytes, std::size_t count) {
+    if (count == 0) {
+      return {};
+    }
     if (count > room_) {
       grow(count);
     }

@@ -95,9 +95,8 @@ class Lexer {
   SqlTokenKind consumeQuoted(SqlToken& token, char quote) {
     bool const escapes = quote != '`';
     for (++place_; place_ < text_.size(); ++place_) {
-      if (escapes && look() == '\\') {
-        ++place_;
-      } else if (look() == quote && look(1) == quote) {
+      bool const escape = escapes && look() == '\\';
+      if (escape || (look() == quote && look(1) == quote)) {
         ++place_;
       } else if (look() == quote) {
         ++place_;

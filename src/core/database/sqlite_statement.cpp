@@ -36,7 +36,7 @@ std::string_view textOf(sqlite3_value* value) {
 std::string_view bytesOf(sqlite3_value* value) {
   auto const* const bytes = static_cast<char const*>(sqlite3_value_blob(value));
   return bytes == nullptr
-             ? std::string_view("", 0)
+             ? std::string_view()
              : std::string_view(bytes, static_cast<std::size_t>(sqlite3_value_bytes(value)));
 }
 
@@ -100,6 +100,16 @@ void readCell(moxFieldBlock const& target, sqlite3_value* value, std::size_t row
       return;
     }
   }
+}
+
+std::vector<std::string> fieldNames(sqlite3_stmt* statement) {
+  int const count = sqlite3_column_count(statement);
+  std::vector<std::string> names;
+  names.reserve(static_cast<std::size_t>(count));
+  for (int i = 0; i < count; ++i) {
+    names.push_back(textOrEmpty(sqlite3_column_name(statement, i)));
+  }
+  return names;
 }
 
 ColumnTypes columnTypesOf(sqlite3* line) {
@@ -268,15 +278,12 @@ void SqliteStatement::describeFields() {
   int const count = sqlite3_column_count(handle_.get());
   int const preparations = sqlite3_stmt_status(handle_.get(), SQLITE_STMTSTATUS_REPREPARE, 0);
   if (count > 0 && preparations != preparations_) {
-    std::vector<std::string> names;
-    for (int i = 0; i < count; ++i) {
-      names.push_back(textOrEmpty(sqlite3_column_name(handle_.get(), i)));
-    }
-    resultTypes_ =
-        std::make_unique<ResultTypes>(text_, std::move(names), columnTypesOf(line_->handle()));
+    resultTypes_ = std::make_unique<ResultTypes>(text_, fieldNames(handle_.get()),
+                                                 columnTypesOf(line_->handle()));
     preparations_ = preparations;
   }
   std::vector<FieldInfo> fields;
+  fields.reserve(static_cast<std::size_t>(count));
   for (int i = 0; i < count; ++i) {
     fields.push_back(describeField(i));
   }

@@ -44,12 +44,12 @@ std::optional<datetime_t> momentOf(Parts const& p) {
   if (!isInCalendar(p)) {
     return std::nullopt;
   }
-  int const before = p.year - 1;
+  std::int64_t const before = p.year - 1;
   int const leapDay = p.month > 2 && isLeap(p.year) ? 1 : 0;
   std::int64_t const days = before * 365 + before / 4 - before / 100 + before / 400 +
                             kDaysBeforeMonth[static_cast<std::size_t>(p.month)] + leapDay + p.day -
                             kDaysBeforeEpoch;
-  return datetime_t::fromTime_t(days * 86400 + p.hour * 3600 + p.minute * 60 + p.second);
+  return datetime_t::fromTime_t(((days * 24 + p.hour) * 60 + p.minute) * 60 + p.second);
 }
 
 constexpr int kNoNumber = 100000;  // beyond the bound of every part, also as half of a year

@@ -58,6 +58,7 @@ TEST(ConnectionPool, ThreadsThatLiveTogetherHaveLinesOfTheirOwn) {
   ConnectionPool pool(opener(counts, true));
   std::latch everyoneHasOne(8);
   std::vector<std::thread> threads;
+  threads.reserve(8);
   for (int i = 0; i < 8; ++i) {
     threads.emplace_back([&] {
       auto const line = pool.forThisThread();

@@ -164,6 +164,7 @@ TEST(Database, ThreadsMayWriteAtTheSameTime) {
   MemoryDatabase data;
   data.run("create table t (a int)");
   std::vector<std::thread> threads;
+  threads.reserve(8);
   for (int i = 0; i < 8; ++i) {
     threads.emplace_back([&] {
       auto const insert = data.db.prepare("insert into t values (?)");

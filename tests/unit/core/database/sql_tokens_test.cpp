@@ -10,6 +10,7 @@ namespace {
 std::vector<std::string> textsOf(std::string_view text) {
   SqlTokens const tokens(text);
   std::vector<std::string> texts;
+  texts.reserve(static_cast<std::size_t>(tokens.count()));
   for (int i = 0; i < tokens.count(); ++i) {
     texts.emplace_back(tokens.textAt(i));
   }

@@ -162,8 +162,8 @@ TEST_F(SqliteLine, TextBehindTheStatementsEndIsRefused) {
 }
 
 TEST_F(SqliteLine, AStatementThatIsTooLongIsRefused) {
-  auto const failure =
-      failureOf([&] { line->compile("select 1" + std::string(17 * 1024 * 1024, ' ')); });
+  auto const failure = failureOf(
+      [&] { line->compile("select 1" + std::string(std::size_t{17} * 1024 * 1024, ' ')); });
   ASSERT_TRUE(failure);
   EXPECT_EQ(failure->code, "18");
 }

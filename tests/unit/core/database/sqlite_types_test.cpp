@@ -1,5 +1,6 @@
 #include "core/database/sqlite_types.h"
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 #include "unit/core/database/memory_database.h"
@@ -212,7 +213,7 @@ TEST(SqliteTypes, HostileNestingIsLeftToTheFirstRow) {
   deep += "1" + std::string(3000, ')');
   std::string nested = "select x from t";
   for (int i = 0; i < 60; ++i) {
-    nested = "select a" + std::to_string(i) + " from (" + nested + ") q, (" + "select 1 b) r";
+    nested = fmt::format("select a{} from ({}) q, (select 1 b) r", i, nested);
   }
   auto const nothing = [](std::string const&, std::string const&) {
     return std::optional<FieldType>();
@@ -221,8 +222,7 @@ TEST(SqliteTypes, HostileNestingIsLeftToTheFirstRow) {
   EXPECT_EQ(ResultTypes(nested, {"a"}, nothing).at(0).type, std::nullopt);
   std::string wide = "with a0 as (select x)";
   for (int i = 1; i < 30; ++i) {
-    std::string const last = "a" + std::to_string(i - 1);
-    wide += ", a" + std::to_string(i) + " as (select * from " + last + " p, " + last + " q)";
+    wide += fmt::format(", a{} as (select * from a{} p, a{} q)", i, i - 1, i - 1);
   }
   EXPECT_EQ(ResultTypes(wide + " select y from a29", {"y"}, nothing).at(0).type, std::nullopt);
 }
