@@ -46,88 +46,70 @@ constexpr auto kSubjects = std::to_array<Subject>({
     {27, "ESP", "Língua Espanhola", Field::kLanguages, 2, 7},
 });
 
-std::vector<Course> makeCourses() {
-  std::vector<int> const middle{1, 2, 3, 4, 5, 6, 7, 8};
-  std::vector<int> const high{1, 2, 3, 4, 6, 8, 9, 10, 11, 12, 13, 14};
-  std::vector<int> const computing{1, 2, 6, 15, 16, 17, 18};
-  std::vector<int> const farming{1, 2, 11, 19, 20, 21, 22};
-  std::vector<int> const cramming{1, 2, 3, 4, 9, 10, 11, 23};
-  return {
-      {1,
-       1,
-       "Ensino Fundamental – Anos Finais",
-       "fundamental",
-       "ano",
-       4,
-       6,
-       11,
-       36,
-       {89000},
-       middle,
-       {"matutino", "vespertino"}},
-      {2,
-       1,
-       "Ensino Médio",
-       "médio",
-       "EM",
-       3,
-       1,
-       15,
-       30,
-       {112000},
-       high,
-       {"matutino", "vespertino"}},
-      {3,
-       1,
-       "Técnico em Informática",
-       "técnico",
-       "INF",
-       2,
-       1,
-       17,
-       20,
-       {64000},
-       computing,
-       {"vespertino", "noturno"}},
-      {4,
-       6,
-       "Ensino Fundamental – Anos Finais",
-       "fundamental",
-       "ano",
-       4,
-       6,
-       11,
-       34,
-       {98000},
-       middle,
-       {"matutino", "vespertino"}},
-      {5, 6, "Ensino Médio", "médio", "EM", 3, 1, 15, 30, {125000}, high, {"matutino"}},
-      {6,
-       6,
-       "Técnico em Agropecuária",
-       "técnico",
-       "AGR",
-       2,
-       1,
-       17,
-       20,
-       {59000},
-       farming,
-       {"noturno"}},
-      {7,
-       0,
-       "Pré-vestibular",
-       "livre",
-       "PRÉ",
-       1,
-       1,
-       18,
-       14,
-       {48000},
-       cramming,
-       {"noturno", "vespertino"}},
-  };
-}
+constexpr std::array kMiddleSchool{1, 2, 3, 4, 5, 6, 7, 8};
+constexpr std::array kHighSchool{1, 2, 3, 4, 6, 8, 9, 10, 11, 12, 13, 14};
+constexpr std::array kComputing{1, 2, 6, 15, 16, 17, 18};
+constexpr std::array kFarming{1, 2, 11, 19, 20, 21, 22};
+constexpr std::array kCramming{1, 2, 3, 4, 9, 10, 11, 23};
+
+constexpr std::array<std::string_view, 2> kByDay{"matutino", "vespertino"};
+constexpr std::array<std::string_view, 1> kMornings{"matutino"};
+constexpr std::array<std::string_view, 1> kEvenings{"noturno"};
+constexpr std::array<std::string_view, 2> kAfternoonsAndEvenings{"vespertino", "noturno"};
+
+constexpr auto kCourses = std::to_array<Course>({
+    {1,
+     1,
+     "Ensino Fundamental – Anos Finais",
+     "fundamental",
+     "ano",
+     4,
+     6,
+     11,
+     36,
+     {89000},
+     kMiddleSchool,
+     kByDay},
+    {2, 1, "Ensino Médio", "médio", "EM", 3, 1, 15, 30, {112000}, kHighSchool, kByDay},
+    {3,
+     1,
+     "Técnico em Informática",
+     "técnico",
+     "INF",
+     2,
+     1,
+     17,
+     20,
+     {64000},
+     kComputing,
+     kAfternoonsAndEvenings},
+    {4,
+     6,
+     "Ensino Fundamental – Anos Finais",
+     "fundamental",
+     "ano",
+     4,
+     6,
+     11,
+     34,
+     {98000},
+     kMiddleSchool,
+     kByDay},
+    {5, 6, "Ensino Médio", "médio", "EM", 3, 1, 15, 30, {125000}, kHighSchool, kMornings},
+    {6, 6, "Técnico em Agropecuária", "técnico", "AGR", 2, 1, 17, 20, {59000}, kFarming, kEvenings},
+    {7,
+     0,
+     "Pré-vestibular",
+     "livre",
+     "PRÉ",
+     1,
+     1,
+     18,
+     14,
+     {48000},
+     kCramming,
+     kAfternoonsAndEvenings},
+});
 
 // Salt and hash of the password "escola-demo" for each user who may log in; the limits are low, as
 // befits a demonstration.
@@ -188,8 +170,7 @@ std::span<Subject const> subjects() {
 }
 
 std::span<Course const> courses() {
-  static std::vector<Course> const courses = makeCourses();
-  return courses;
+  return kCourses;
 }
 
 std::span<User const> users() {

@@ -48,8 +48,8 @@ struct Course {
   int entryAge;
   int weight;
   Hundredths monthlyFee;
-  std::vector<int> subjects;
-  std::vector<std::string_view> shifts;
+  std::span<int const> subjects;
+  std::span<std::string_view const> shifts;
 };
 
 struct User {

@@ -54,7 +54,7 @@ Course const& courseAt(Random& random, Unit const& unit) {
 }
 
 std::vector<int> subjectsAt(Course const& course, Unit const& unit) {
-  std::vector<int> result = course.subjects;
+  std::vector<int> result(course.subjects.begin(), course.subjects.end());
   for (Subject const& subject : subjects()) {
     if (subject.unit == unit.id) {
       result.push_back(subject.id);
@@ -116,7 +116,7 @@ CohortWriter::Cohort CohortWriter::nextCohort(Random& random) {
   int const drawnLevel = random.below(cohort.course->years);
   cohort.entryLevel = foundHalfway ? drawnLevel : 0;
   cohort.size = random.between(24, 32);
-  cohort.shift = random.pick(std::span<std::string_view const>(cohort.course->shifts));
+  cohort.shift = random.pick(cohort.course->shifts);
   int const finalYear = cohort.entryYear + cohort.course->years - 1 - cohort.entryLevel;
   cohort.section = nextSection(*cohort.unit, *cohort.course, finalYear);
   cohort.teacher = writeTeacher(cohort, finalYear);
@@ -160,6 +160,7 @@ void CohortWriter::writeNext() {
 
 std::vector<Student> CohortWriter::writeStudents(Cohort const& cohort) {
   std::vector<Student> students;
+  students.reserve(static_cast<std::size_t>(cohort.size));
   for (int place = 0; place < cohort.size; ++place) {
     students.push_back(writeStudent(cohort, place == 0));
   }

@@ -69,13 +69,13 @@ std::string DatabaseWriter::insertText(Table const& table, int rows) const {
   return text;
 }
 
-void DatabaseWriter::row(TableId id, std::span<Cell const> cells) {
-  Table const& table = tableOf(id);
-  Pending& pending = pending_[static_cast<std::size_t>(id)];
-  int const capacity = rowsOf(table);
+void DatabaseWriter::row(TableId table, std::span<Cell const> cells) {
+  Table const& description = tableOf(table);
+  Pending& pending = pending_[static_cast<std::size_t>(table)];
+  int const capacity = rowsOf(description);
   if (!pending.statement) {
-    pending.statement = connection_.prepare(insertText(table, capacity));
-    pending.texts.resize(static_cast<std::size_t>(capacity) * table.columns.size());
+    pending.statement = connection_.prepare(insertText(description, capacity));
+    pending.texts.resize(static_cast<std::size_t>(capacity) * description.columns.size());
   }
   if (capacity == 1) {
     return execute(*pending.statement, cells);
@@ -88,7 +88,7 @@ void DatabaseWriter::row(TableId id, std::span<Cell const> cells) {
                                                                 : cell);
   }
   if (++pending.rows == capacity) {
-    flush(table, pending);
+    flush(description, pending);
   }
 }
 

@@ -18,7 +18,7 @@ int asMark(int tenths) {
 }
 
 Hundredths markCell(int tenths) {
-  return {tenths * 10};
+  return {std::int64_t{tenths} * 10};
 }
 
 }  // namespace

@@ -2,7 +2,6 @@
 
 #include <span>
 #include <string_view>
-#include <vector>
 
 namespace escola {
 
@@ -47,7 +46,7 @@ struct Table {
   TableId id;
   std::string_view name;  // in the database
   int keyColumns;         // the first columns, which are the primary key
-  std::vector<Column> columns;
+  std::span<Column const> columns;
 };
 
 /// All tables, each at the place of its TableId. Columns stand in the order of the schema.
