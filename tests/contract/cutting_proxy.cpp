@@ -27,9 +27,13 @@ sockaddr_un addressOf(std::string const& path) {
   return address;
 }
 
-sockaddr const* plain(sockaddr_un const& address) { return reinterpret_cast<sockaddr const*>(&address); }
+sockaddr const* plain(sockaddr_un const& address) {
+  return reinterpret_cast<sockaddr const*>(&address);
+}
 
-int newSocket() { return ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0); }
+int newSocket() {
+  return ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+}
 
 bool sendAll(int target, char const* bytes, std::size_t count) {
   while (count > 0) {

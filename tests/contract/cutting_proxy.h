@@ -8,9 +8,9 @@
 
 namespace mox_test {
 
-/// Stands between a client and a MariaDB server, on a unix socket of its own, and breaks off what the server
-/// answers after a number of bytes: closes the line, or falls silent and leaves it open. Serves one connection
-/// after the other, each with the same limit.
+/// Stands between a client and a MariaDB server, on a unix socket of its own, and breaks off what
+/// the server answers after a number of bytes: closes the line, or falls silent and leaves it open.
+/// Serves one connection after the other, each with the same limit.
 class CuttingProxy {
  public:
   enum class Fault { kClose, kSilence };

@@ -1,4 +1,5 @@
-// Reading block by block gives what reading cell by cell gives, on every database, for random tables.
+// Reading block by block gives what reading cell by cell gives, on every database, for random
+// tables.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -96,7 +97,8 @@ struct Arrays {
     cell.number = type == FieldType::kInt ? ints[row] : 0;
     cell.real = type == FieldType::kDouble ? doubles[row] : 0;
     cell.moment = type == FieldType::kDate ? dates[row] : datetime_t();
-    cell.bytes = type == FieldType::kText || type == FieldType::kBlob ? texts[row] : std::string_view();
+    cell.bytes =
+        type == FieldType::kText || type == FieldType::kBlob ? texts[row] : std::string_view();
     return cell;
   }
 };
@@ -123,13 +125,16 @@ Rows readByBlocks(Statement& statement, std::vector<FieldType> const& types, int
   return rows;
 }
 
-/// Fills a table of every type with random rows, short and long values, nulls in a third of the cells.
+/// Fills a table of every type with random rows, short and long values, nulls in a third of the
+/// cells.
 class RandomTable {
  public:
   RandomTable(mox_test::TestDatabase& db, unsigned seed) : db_(db), random_(seed) {}
 
   void fill(int rows) {
-    db_.run("create table t (i int, b bigint, d double, s varchar(300), l longtext, m datetime, a date, z longblob)");
+    db_.run(
+        "create table t (i int, b bigint, d double, s varchar(300), l longtext, m datetime, a "
+        "date, z longblob)");
     auto const insert = db_.connection().prepare("insert into t values (?, ?, ?, ?, ?, ?, ?, ?)");
     for (int row = 0; row < rows; ++row) {
       bindRow(*insert);

@@ -1,4 +1,5 @@
-// Statements of the one dialect in which definitions are written give equal answers on every database.
+// Statements of the one dialect in which definitions are written give equal answers on every
+// database.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -18,8 +19,10 @@ class DatabaseDialect : public OnEveryDatabase {
  protected:
   void SetUp() override {
     db.run("create table t (n int, v decimal(10,2), s varchar(50), d datetime)");
-    db.run("insert into t values (1, 10.50, 'Ana', '2024-03-05 10:11:12'), (2, 0, 'bruno', '2024-12-31'), "
-           "(3, null, '100%', '2023-01-15'), (4, -3.25, null, null)");
+    db.run(
+        "insert into t values (1, 10.50, 'Ana', '2024-03-05 10:11:12'), (2, 0, 'bruno', "
+        "'2024-12-31'), "
+        "(3, null, '100%', '2023-01-15'), (4, -3.25, null, null)");
   }
 
   std::string numbersWhere(std::string const& condition) {
@@ -30,13 +33,16 @@ class DatabaseDialect : public OnEveryDatabase {
     return result;
   }
 
-  FieldType typeOf(std::string const& expression) { return db.query("select " + expression + " as x from t")->field(0).type; }
+  FieldType typeOf(std::string const& expression) {
+    return db.query("select " + expression + " as x from t")->field(0).type;
+  }
 };
 
 MOX_ON_EVERY_DATABASE(DatabaseDialect);
 
 TEST_P(DatabaseDialect, TemporaryTableIsMadeAndReplaced) {
-  std::string const make = "create or replace temporary table T (a int , b double , c varchar(200) , d datetime )";
+  std::string const make =
+      "create or replace temporary table T (a int , b double , c varchar(200) , d datetime )";
   for (int round = 0; round < 2; ++round) {
     db.run(make);
     auto const insert = db.connection().prepare("insert into T (a,b,c,d) values (?,?,?,?)");
@@ -59,7 +65,9 @@ TEST_P(DatabaseDialect, TemporaryTableIsMadeAndReplaced) {
   EXPECT_EQ(statement->getDouble(1), 0.5);
   EXPECT_EQ(statement->getString(2), "text 1");
   EXPECT_EQ(statement->getDateTime(3), datetime_t(6, 3, 2024));
-  EXPECT_EQ(db.value("select count(*) from T where a is null and b is null and c is null and d is null"), "1");
+  EXPECT_EQ(
+      db.value("select count(*) from T where a is null and b is null and c is null and d is null"),
+      "1");
 }
 
 TEST_P(DatabaseDialect, TemporaryTableWithAQuotedName) {
@@ -73,7 +81,8 @@ TEST_P(DatabaseDialect, TemporaryTableWithoutColumnsIsRefused) {
 }
 
 TEST_P(DatabaseDialect, DateOfAColumnBetweenBoundDates) {
-  auto const statement = db.connection().prepare("select count(*) from t where date(t.d) between ? and ? ");
+  auto const statement =
+      db.connection().prepare("select count(*) from t where date(t.d) between ? and ? ");
   statement->bindDate(0, date_t(1, 3, 2024));
   statement->bindDate(1, date_t(31, 3, 2024));
   statement->execute();
@@ -132,8 +141,9 @@ TEST_P(DatabaseDialect, ConcatIsNullWithANull) {
 }
 
 TEST_P(DatabaseDialect, DateOfUnpaddedParts) {
-  auto const statement = db.query("select date(concat(year(d),'-',quarter(d),'-01')), concat(year(d),'-',01,'-01') "
-                                  "from t where n = 1");
+  auto const statement = db.query(
+      "select date(concat(year(d),'-',quarter(d),'-01')), concat(year(d),'-',01,'-01') "
+      "from t where n = 1");
   ASSERT_TRUE(statement->fetch());
   EXPECT_EQ(statement->getDate(0), date_t(1, 1, 2024));
   EXPECT_EQ(statement->getDate(1), date_t(1, 1, 2024));
@@ -151,10 +161,13 @@ TEST_P(DatabaseDialect, CurrentDateIsADay) {
   EXPECT_TRUE(statement->getDate(0));
 }
 
-TEST_P(DatabaseDialect, AliasMayBeCalledAt) { EXPECT_EQ(db.value("select at.n from t at where at.n = 1"), "1"); }
+TEST_P(DatabaseDialect, AliasMayBeCalledAt) {
+  EXPECT_EQ(db.value("select at.n from t at where at.n = 1"), "1");
+}
 
 TEST_P(DatabaseDialect, OrderAndGroup) {
-  EXPECT_THAT(db.rows("select year(t.d), count(*) from t where d is not null group by year(t.d) order by year(t.d) asc"),
+  EXPECT_THAT(db.rows("select year(t.d), count(*) from t where d is not null group by year(t.d) "
+                      "order by year(t.d) asc"),
               ElementsAre(ElementsAre("2023", "1"), ElementsAre("2024", "2")));
   EXPECT_EQ(db.value("select n from t order by t.n desc , t.s asc "), "4");
 }

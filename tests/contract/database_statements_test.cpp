@@ -44,7 +44,8 @@ TEST_P(DatabaseStatements, ExecutedAgainWithOtherValues) {
 
 TEST_P(DatabaseStatements, ExecutedAgainKeepsItsValues) {
   fill(3);
-  auto const statement = db.connection().prepare("select count(*) from t where n >= ? and s like ?");
+  auto const statement =
+      db.connection().prepare("select count(*) from t where n >= ? and s like ?");
   statement->bindInt(0, 2);
   statement->bindString(1, "row%");
   for (int round = 0; round < 3; ++round) {
@@ -84,8 +85,11 @@ TEST_P(DatabaseStatements, ValueChangesItsTypeBetweenExecutions) {
   insert->bindInt(2, 9);
   insert->bindString(3, "2024-01-02 03:04:05");
   insert->execute();
-  EXPECT_EQ(db.value("select count(*) from any_value where i is null and d is null and s is null and m is null"), "1");
-  EXPECT_EQ(db.value("select count(*) from any_value where i = 7 and d = 8 and s = '9' and m = '2024-01-02 03:04:05'"),
+  EXPECT_EQ(db.value("select count(*) from any_value where i is null and d is null and s is null "
+                     "and m is null"),
+            "1");
+  EXPECT_EQ(db.value("select count(*) from any_value where i = 7 and d = 8 and s = '9' and m = "
+                     "'2024-01-02 03:04:05'"),
             "1");
 }
 
@@ -219,17 +223,20 @@ TEST_P(DatabaseStatements, EmptyResultHasItsFields) {
 
 TEST_P(DatabaseStatements, StatementsAheadAndBehindRunAroundTheRows) {
   auto const statement = db.connection().prepare(
-      "insert into t values (1, 'ahead'); select s from t order by n; insert into t values (2, 'behind');");
+      "insert into t values (1, 'ahead'); select s from t order by n; insert into t values (2, "
+      "'behind');");
   statement->execute();
   ASSERT_TRUE(statement->fetch());
   EXPECT_EQ(statement->getString(0), "ahead");
   EXPECT_FALSE(statement->fetch());
-  EXPECT_THAT(db.rows("select s from t order by n"), ElementsAre(ElementsAre("ahead"), ElementsAre("behind")));
+  EXPECT_THAT(db.rows("select s from t order by n"),
+              ElementsAre(ElementsAre("ahead"), ElementsAre("behind")));
 }
 
 TEST_P(DatabaseStatements, StatementsAroundRunForEachExecution) {
   auto const statement = db.connection().prepare(
-      "insert into t values (1, 'ahead'); select count(*) from t; insert into t values (2, 'behind')");
+      "insert into t values (1, 'ahead'); select count(*) from t; insert into t values (2, "
+      "'behind')");
   for (int const expected : {1, 3, 5}) {
     statement->execute();
     ASSERT_TRUE(statement->fetch());
@@ -309,8 +316,9 @@ MOX_ON_EVERY_DATABASE(DatabaseUnits);
 TEST_P(DatabaseUnits, SelectIsRestrictedToTheHeadOffice) {
   db.run("create table p (id int, kind int, id_unidadenegociomatriz int)");
   db.run("insert into p values (1, 1, 1), (2, 1, 2), (3, 1, 2), (4, 2, 2), (5, 1, null)");
-  auto const statement = db.connection().prepareForUnit("select pi.id from p pi where pi.kind = ?", "pi.id desc", "pi",
-                                                        "id_unidadenegociomatriz", "and");
+  auto const statement =
+      db.connection().prepareForUnit("select pi.id from p pi where pi.kind = ?", "pi.id desc", "pi",
+                                     "id_unidadenegociomatriz", "and");
   statement->bindInt(0, 1);
   statement->execute();
   ASSERT_TRUE(statement->fetch());
@@ -322,7 +330,8 @@ TEST_P(DatabaseUnits, SelectIsRestrictedToTheHeadOffice) {
 
 TEST_P(DatabaseUnits, HeadOfficeIsOutOfTheCallersReach) {
   db.run("create table p (id int, unit int)");
-  auto const statement = db.connection().prepareForUnit("select id from p", "", "", "unit", "where");
+  auto const statement =
+      db.connection().prepareForUnit("select id from p", "", "", "unit", "where");
   EXPECT_TRUE(failureOf([&] { statement->bindInt(0, 1); }));
 }
 

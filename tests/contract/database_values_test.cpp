@@ -1,4 +1,5 @@
-// What goes in comes out, on every database: values of each kind, nulls, and readings of one kind as another.
+// What goes in comes out, on every database: values of each kind, nulls, and readings of one kind
+// as another.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -34,13 +35,16 @@ class DatabaseValues : public OnEveryDatabase {
 MOX_ON_EVERY_DATABASE(DatabaseValues);
 
 TEST_P(DatabaseValues, DeclaredColumnsTellTheirTypeWithoutRows) {
-  db.run("create table t (i int, big bigint, small smallint, d double, m decimal(10,2), s varchar(20), "
-         "c char(3), lt longtext, dt date, ts datetime, b blob)");
+  db.run(
+      "create table t (i int, big bigint, small smallint, d double, m decimal(10,2), s "
+      "varchar(20), "
+      "c char(3), lt longtext, dt date, ts datetime, b blob)");
   auto const statement = db.query("select * from t");
   ASSERT_EQ(statement->fieldCount(), 11);
-  FieldType const expected[] = {FieldType::kInt,    FieldType::kInt,  FieldType::kInt,  FieldType::kDouble,
-                                FieldType::kDouble, FieldType::kText, FieldType::kText, FieldType::kText,
-                                FieldType::kDate,   FieldType::kDate, FieldType::kBlob};
+  FieldType const expected[] = {FieldType::kInt,    FieldType::kInt,    FieldType::kInt,
+                                FieldType::kDouble, FieldType::kDouble, FieldType::kText,
+                                FieldType::kText,   FieldType::kText,   FieldType::kDate,
+                                FieldType::kDate,   FieldType::kBlob};
   for (int i = 0; i < 11; ++i) {
     EXPECT_EQ(statement->field(i).type, expected[i]) << statement->field(i).name;
   }
@@ -223,7 +227,8 @@ TEST_P(DatabaseValues, NotANumberIsStoredAsNull) {
 
 TEST_P(DatabaseValues, IntegersBeyond32BitsWrap) {
   db.run("create table t (b bigint)");
-  db.run("insert into t values (4294967296 + 7), (2147483648), (-2147483649), (9223372036854775807)");
+  db.run(
+      "insert into t values (4294967296 + 7), (2147483648), (-2147483649), (9223372036854775807)");
   auto const statement = db.query("select b from t");
   int const expected[] = {7, std::numeric_limits<int>::min(), std::numeric_limits<int>::max(), -1};
   for (int const value : expected) {
@@ -253,7 +258,8 @@ TEST_P(DatabaseValues, UnsignedColumnReadsBeyondTheSignedRange) {
 TEST_P(DatabaseValues, ExtremeIntsAreBound) {
   db.run("create table t (n int)");
   auto const insert = db.connection().prepare("insert into t values (?)");
-  for (int const value : {std::numeric_limits<int>::min(), -1, 0, std::numeric_limits<int>::max()}) {
+  for (int const value :
+       {std::numeric_limits<int>::min(), -1, 0, std::numeric_limits<int>::max()}) {
     insert->bindInt(0, value);
     insert->execute();
   }
@@ -263,7 +269,8 @@ TEST_P(DatabaseValues, ExtremeIntsAreBound) {
 }
 
 TEST_P(DatabaseValues, TextsReadAsTheNumberTheyBeginWith) {
-  auto const statement = row("select '12abc' as a, ' -7.9' as b, 'abc' as c, '' as d, '+3' as e, 'nan' as f");
+  auto const statement =
+      row("select '12abc' as a, ' -7.9' as b, 'abc' as c, '' as d, '+3' as e, 'nan' as f");
   int const ints[] = {12, -7, 0, 0, 3, 0};
   double const doubles[] = {12, -7.9, 0, 0, 3, 0};
   for (int i = 0; i < 6; ++i) {
@@ -274,7 +281,8 @@ TEST_P(DatabaseValues, TextsReadAsTheNumberTheyBeginWith) {
 }
 
 TEST_P(DatabaseValues, TextsReadAsDatesWhereTheyAreSome) {
-  auto const statement = row("select '2024-03-05' as a, '2024-03-05 10:11:12' as b, 'abc' as c, '2024-02-30' as d");
+  auto const statement =
+      row("select '2024-03-05' as a, '2024-03-05 10:11:12' as b, 'abc' as c, '2024-02-30' as d");
   EXPECT_EQ(statement->getDate(0), date_t(5, 3, 2024));
   EXPECT_EQ(statement->getDateTime(1), datetime_t(5, 3, 2024, 10, 11, 12));
   EXPECT_FALSE(statement->getDate(2));

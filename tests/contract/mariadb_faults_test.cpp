@@ -74,7 +74,9 @@ class MariadbFaults : public ::testing::TestWithParam<NamedRoad> {
     line = db->value("select connection_id()");
   }
 
-  int read(Statement& statement, int most = kManyRows + 1) { return GetParam().read(statement, most); }
+  int read(Statement& statement, int most = kManyRows + 1) {
+    return GetParam().read(statement, most);
+  }
 
   std::optional<TestDatabase> db;
   std::optional<TestDatabase> other;  // a second line
@@ -82,7 +84,8 @@ class MariadbFaults : public ::testing::TestWithParam<NamedRoad> {
 };
 
 INSTANTIATE_TEST_SUITE_P(On, MariadbFaults,
-                         ::testing::Values(NamedRoad{"Cells", readByCells}, NamedRoad{"Blocks", readByBlocks}),
+                         ::testing::Values(NamedRoad{"Cells", readByCells},
+                                           NamedRoad{"Blocks", readByBlocks}),
                          [](auto const& tested) { return std::string(tested.param.name); });
 
 TEST_P(MariadbFaults, ResultIsWholeWithoutFaults) {
@@ -162,8 +165,9 @@ int runOnce(std::string const& url, std::string const& sql, Road readRows) {
 
 TEST_P(MariadbFaults, StreamCutAtAnyByteIsAnErrorOrTheWholeResult) {
   constexpr int kRows = 60;
-  std::string const sql = "select seq, if(seq % 7 = 0, null, repeat('t', seq)) as s, seq / 3 as d, "
-                          "date('2024-03-05') as m from seq_1_to_60";
+  std::string const sql =
+      "select seq, if(seq % 7 = 0, null, repeat('t', seq)) as s, seq / 3 as d, "
+      "date('2024-03-05') as m from seq_1_to_60";
   CuttingProxy proxy(db->url());
   ASSERT_EQ(runOnce(proxy.url(), sql, GetParam().read), kRows);
   std::size_t const whole = proxy.answered();
@@ -171,7 +175,8 @@ TEST_P(MariadbFaults, StreamCutAtAnyByteIsAnErrorOrTheWholeResult) {
   for (std::size_t limit = 0; limit < whole; limit += 3) {
     proxy.setLimit(limit);
     int rows = kRows;
-    bool const failed = failureOf([&] { rows = runOnce(proxy.url(), sql, GetParam().read); }).has_value();
+    bool const failed =
+        failureOf([&] { rows = runOnce(proxy.url(), sql, GetParam().read); }).has_value();
     errors += failed ? 1 : 0;
     ASSERT_EQ(rows, kRows) << "cut after " << limit << " of " << whole << " bytes";
   }

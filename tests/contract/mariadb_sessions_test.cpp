@@ -30,7 +30,8 @@ class MariadbSessions : public ::testing::Test {
 
   void killLine() { mox_test::killConnection(*other, db->value("select connection_id()")); }
 
-  std::optional<mox_test::Failure> openingFails(std::string const& url, std::string const& password = "") {
+  std::optional<mox_test::Failure> openingFails(std::string const& url,
+                                                std::string const& password = "") {
     return failureOf([&] {
       mox::core::DatabaseOptions options;
       options.url = url;
@@ -161,7 +162,8 @@ TEST_F(MariadbSessions, LineIsNotOpenedAnewUnderALivingStatement) {
   EXPECT_EQ(db->value("select 1"), "1");
 }
 
-class MariadbLostState : public MariadbSessions, public ::testing::WithParamInterface<char const*> {};
+class MariadbLostState : public MariadbSessions,
+                         public ::testing::WithParamInterface<char const*> {};
 
 TEST_P(MariadbLostState, IsToldOnceWhenTheLineIsOpenedAnew) {
   db->run("create procedure leaves_a_table() create temporary table left_behind (n int)");
@@ -175,11 +177,11 @@ TEST_P(MariadbLostState, IsToldOnceWhenTheLineIsOpenedAnew) {
   EXPECT_EQ(db->value("select 1"), "1");
 }
 
-INSTANTIATE_TEST_SUITE_P(After, MariadbLostState,
-                         ::testing::Values("create temporary table mine (n int)",
-                                           "create or replace temporary table T (a int , b double )",
-                                           "set @total = 1", "call leaves_a_table()", "start transaction",
-                                           "lock tables locked write"));
+INSTANTIATE_TEST_SUITE_P(
+    After, MariadbLostState,
+    ::testing::Values("create temporary table mine (n int)",
+                      "create or replace temporary table T (a int , b double )", "set @total = 1",
+                      "call leaves_a_table()", "start transaction", "lock tables locked write"));
 
 TEST_F(MariadbSessions, VariableSetAheadOfEachExecutionIsNoLoss) {
   EXPECT_EQ(db->value("set @n = 5; select @n"), "5");
@@ -201,7 +203,8 @@ TEST_F(MariadbSessions, LineThatCannotBeOpenedAnewKeepsTellingWhy) {
     EXPECT_THAT(failure->message, HasSubstr("Cannot open the database"));
   }
   proxy.setLimit(mox_test::CuttingProxy::kNoLimit);
-  EXPECT_THAT(failureOf([&] { database->execute("do 0"); })->message, HasSubstr("temporary tables"));
+  EXPECT_THAT(failureOf([&] { database->execute("do 0"); })->message,
+              HasSubstr("temporary tables"));
   database->execute("do 0");
 }
 

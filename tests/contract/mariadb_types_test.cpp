@@ -114,7 +114,8 @@ TEST_F(MariadbTypes, TimestampIsAMoment) {
 
 TEST_F(MariadbTypes, ZeroDatesAreEmptyButNoNulls) {
   db->run("set session sql_mode = ''");
-  for (char const* const value : {"'0000-00-00 00:00:00'", "'2024-00-10 10:00:00'", "'2024-05-00'"}) {
+  for (char const* const value :
+       {"'0000-00-00 00:00:00'", "'2024-00-10 10:00:00'", "'2024-05-00'"}) {
     auto const statement = column("datetime", value);
     EXPECT_FALSE(statement->isNull(0)) << value;
     EXPECT_FALSE(statement->getDateTime(0)) << value;
@@ -139,7 +140,8 @@ TEST_F(MariadbTypes, TextsOfEveryKind) {
   expectText("enum('x', 'y')", "'y'", "y");
   expectText("set('p', 'q')", "'p,q'", "p,q");
   expectText("json", "'{\"a\": 1}'", "{\"a\": 1}");
-  expectText("uuid", "'123e4567-e89b-12d3-a456-426655440000'", "123e4567-e89b-12d3-a456-426655440000");
+  expectText("uuid", "'123e4567-e89b-12d3-a456-426655440000'",
+             "123e4567-e89b-12d3-a456-426655440000");
   expectText("inet6", "'::1'", "::1");
 }
 
@@ -150,7 +152,8 @@ TEST_F(MariadbTypes, TimesOfDayAreTexts) {
 }
 
 TEST_F(MariadbTypes, BytesOfEveryKind) {
-  for (std::string const type : {"binary(4)", "varbinary(10)", "tinyblob", "blob", "mediumblob", "longblob"}) {
+  for (std::string const type :
+       {"binary(4)", "varbinary(10)", "tinyblob", "blob", "mediumblob", "longblob"}) {
     auto const statement = column(type, "x'00ff0041'");
     EXPECT_EQ(statement->field(0).type, FieldType::kBlob) << type;
     EXPECT_EQ(statement->getString(0), std::string("\0\xff\0A", 4)) << type;
@@ -166,20 +169,27 @@ TEST_F(MariadbTypes, NullWithoutATypeIsAText) {
 
 TEST_F(MariadbTypes, LongAndShortTextsInTurn) {
   db->run("create table t (n int, s longtext, z longblob)");
-  db->run("insert into t select seq, repeat('s', (seq * 7919) % 3000), repeat('z', if(seq % 10 = 0, 100000, seq)) "
-          "from seq_1_to_200");
+  db->run(
+      "insert into t select seq, repeat('s', (seq * 7919) % 3000), repeat('z', if(seq % 10 = 0, "
+      "100000, seq)) "
+      "from seq_1_to_200");
   auto const statement = db->query("select n, s, z from t order by n");
   for (int n = 1; n <= 200; ++n) {
     ASSERT_TRUE(statement->fetch());
     ASSERT_EQ(statement->getInt(0), n);
-    ASSERT_TRUE(statement->getString(1) == std::string(static_cast<std::size_t>(n * 7919 % 3000), 's')) << n;
-    ASSERT_TRUE(statement->getString(2) == std::string(n % 10 == 0 ? 100000U : static_cast<unsigned>(n), 'z')) << n;
+    ASSERT_TRUE(statement->getString(1) ==
+                std::string(static_cast<std::size_t>(n * 7919 % 3000), 's'))
+        << n;
+    ASSERT_TRUE(statement->getString(2) ==
+                std::string(n % 10 == 0 ? 100000U : static_cast<unsigned>(n), 'z'))
+        << n;
   }
 }
 
 TEST_F(MariadbTypes, ProcedureGivesItsFirstRows) {
   makeProcedure("do 1; select 1 as one union all select 11; select 2 as two; do 2;");
-  EXPECT_THAT(db->rows("call p()"), testing::ElementsAre(testing::ElementsAre("1"), testing::ElementsAre("11")));
+  EXPECT_THAT(db->rows("call p()"),
+              testing::ElementsAre(testing::ElementsAre("1"), testing::ElementsAre("11")));
   EXPECT_EQ(db->value("select 5"), "5");
 }
 

@@ -34,7 +34,9 @@ std::vector<std::string> rowOf(moxDatabaseConnection::PreparedStatement& stateme
 
 }  // namespace
 
-bool hasMariadb() { return !serverUrl().empty(); }
+bool hasMariadb() {
+  return !serverUrl().empty();
+}
 
 std::vector<DatabaseKind> databasesUnderTest() {
   if (hasMariadb()) {
@@ -53,7 +55,8 @@ std::string withDatabase(std::string const& url, std::string const& name) {
   return url.substr(0, hostEnd) + "/" + name + url.substr(options);
 }
 
-TestDatabase::TestDatabase(DatabaseKind kind, int headOffice) : kind_(kind), headOffice_(headOffice) {
+TestDatabase::TestDatabase(DatabaseKind kind, int headOffice)
+    : kind_(kind), headOffice_(headOffice) {
   if (isMariadb()) {
     makeSchema();
   } else {
@@ -107,7 +110,8 @@ moxDatabaseConnection& TestDatabase::connection() {
   return *connection_;
 }
 
-std::shared_ptr<moxDatabaseConnection::PreparedStatement> TestDatabase::query(std::string const& sql) {
+std::shared_ptr<moxDatabaseConnection::PreparedStatement> TestDatabase::query(
+    std::string const& sql) {
   auto statement = connection().prepare(sql);
   statement->execute();
   return statement;
@@ -122,11 +126,14 @@ std::vector<std::vector<std::string>> TestDatabase::rows(std::string const& sql)
   return result;
 }
 
-std::string TestDatabase::value(std::string const& sql) { return rows(sql).at(0).at(0); }
+std::string TestDatabase::value(std::string const& sql) {
+  return rows(sql).at(0).at(0);
+}
 
 void killConnection(TestDatabase& other, std::string const& number) {
   other.run("kill connection " + number);
-  std::string const left = "select count(*) from information_schema.processlist where id = " + number;
+  std::string const left =
+      "select count(*) from information_schema.processlist where id = " + number;
   while (other.value(left) != "0") {
     std::this_thread::yield();
   }

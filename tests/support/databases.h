@@ -20,8 +20,8 @@ std::vector<DatabaseKind> databasesUnderTest();
 /// Whether a MariaDB server is there for tests of its own.
 bool hasMariadb();
 
-/// An empty database for one test: a file of its own, or a database of its own on the server. It is gone when the
-/// object dies. Whatever fails while it is made fails the test.
+/// An empty database for one test: a file of its own, or a database of its own on the server. It is
+/// gone when the object dies. Whatever fails while it is made fails the test.
 class TestDatabase {
  public:
   /// `headOffice` is that of the current user.
@@ -102,6 +102,6 @@ std::string databaseName(::testing::TestParamInfo<DatabaseKind> const& info);
 
 }  // namespace mox_test
 
-#define MOX_ON_EVERY_DATABASE(Suite)                                                                \
+#define MOX_ON_EVERY_DATABASE(Suite)                                                       \
   INSTANTIATE_TEST_SUITE_P(On, Suite, ::testing::ValuesIn(mox_test::databasesUnderTest()), \
                            mox_test::databaseName)

@@ -4,8 +4,8 @@
 
 namespace mox_test {
 
-/// A MariaDB server of a test's own, for those that take it down while it is in use. It ends with the object, and
-/// with the process when that dies early.
+/// A MariaDB server of a test's own, for those that take it down while it is in use. It ends with
+/// the object, and with the process when that dies early.
 class PrivateMariadb {
  public:
   /// Throws std::runtime_error when the server does not start.

@@ -18,11 +18,12 @@ constexpr unsigned kMaxTimeoutSeconds = 86400;
   throw moxDefaultErrorImpl<moxError>("Database URL: " + what);
 }
 
-/// Words that are shown in messages: nothing that could be a piece of a password typed at a wrong place.
+/// Words that are shown in messages: nothing that could be a piece of a password typed at a wrong
+/// place.
 bool isPlainWord(std::string_view text) {
-  return !text.empty() && text.size() <= kMaxEchoedName && std::all_of(text.begin(), text.end(), [](char c) {
-    return (c >= 'a' && c <= 'z') || c == '_';
-  });
+  return !text.empty() && text.size() <= kMaxEchoedName &&
+         std::all_of(text.begin(), text.end(),
+                     [](char c) { return (c >= 'a' && c <= 'z') || c == '_'; });
 }
 
 int hexDigit(char c) {
@@ -43,7 +44,9 @@ std::string decoded(std::string_view text) {
     int const high = i + 2 < text.size() ? hexDigit(text[i + 1]) : -1;
     int const low = i + 2 < text.size() ? hexDigit(text[i + 2]) : -1;
     if (high < 0 || low < 0) {
-      fail("\"%\" must be followed by two hexadecimal digits; write a percent sign itself as \"%25\".");
+      fail(
+          "\"%\" must be followed by two hexadecimal digits; write a percent sign itself as "
+          "\"%25\".");
     }
     result += static_cast<char>(high * 16 + low);
     i += 2;
@@ -66,14 +69,15 @@ std::optional<unsigned> numberIn(std::string_view text, unsigned least, unsigned
 unsigned seconds(std::string_view name, std::string_view value, unsigned least) {
   auto const number = numberIn(value, least, kMaxTimeoutSeconds);
   if (!number) {
-    fail("option \"" + std::string(name) + "\" must be a number of seconds from " + std::to_string(least) + " to " +
-         std::to_string(kMaxTimeoutSeconds) + ".");
+    fail("option \"" + std::string(name) + "\" must be a number of seconds from " +
+         std::to_string(least) + " to " + std::to_string(kMaxTimeoutSeconds) + ".");
   }
   return *number;
 }
 
 [[noreturn]] void failUnknownOption(std::string_view name, std::string_view known) {
-  std::string const shown = isPlainWord(name) ? "unknown option \"" + std::string(name) + "\"" : "unknown option";
+  std::string const shown =
+      isPlainWord(name) ? "unknown option \"" + std::string(name) + "\"" : "unknown option";
   fail(shown + "; known are " + std::string(known) + ".");
 }
 
@@ -99,8 +103,9 @@ void setMariadbOption(DatabaseUrl& url, std::string_view name, std::string value
   } else if (name == "write_timeout") {
     url.writeTimeoutSeconds = seconds(name, value, 0);
   } else {
-    failUnknownOption(name,
-                      "\"socket\", \"connect_timeout\", \"read_timeout\", \"write_timeout\" and \"tls_ca\"");
+    failUnknownOption(
+        name,
+        "\"socket\", \"connect_timeout\", \"read_timeout\", \"write_timeout\" and \"tls_ca\"");
   }
 }
 
@@ -136,7 +141,9 @@ DatabaseUrl parseSqlite(std::string_view rest) {
   if (rest.starts_with("///")) {
     rest.remove_prefix(2);
   } else if (rest.starts_with("//")) {
-    fail("write the file directly behind \"sqlite:\", as in \"sqlite:escola.db\" or \"sqlite:/data/escola.db\".");
+    fail(
+        "write the file directly behind \"sqlite:\", as in \"sqlite:escola.db\" or "
+        "\"sqlite:/data/escola.db\".");
   }
   url.path = decoded(rest);
   if (url.path.empty()) {
@@ -180,8 +187,10 @@ void readAuthority(DatabaseUrl& url, std::string_view text) {
   }
   std::string_view const user = text.substr(0, at);
   if (user.find(':') != std::string_view::npos) {
-    fail("a password must not stand in it; remove it and name the variable or the file that holds it by the "
-         "setting \"password_env\" or \"password_file\".");
+    fail(
+        "a password must not stand in it; remove it and name the variable or the file that holds "
+        "it by the "
+        "setting \"password_env\" or \"password_file\".");
   }
   if (user.find('@') != std::string_view::npos) {
     fail("there are two \"@\"; write one that belongs to the user's name as \"%40\".");
@@ -195,8 +204,10 @@ void checkSocket(DatabaseUrl const& url) {
     return;
   }
   if (url.host != "localhost" || url.port != 0) {
-    fail("a socket belongs to this machine; with the option \"socket\" write \"localhost\" as the host, without a "
-         "port.");
+    fail(
+        "a socket belongs to this machine; with the option \"socket\" write \"localhost\" as the "
+        "host, without a "
+        "port.");
   }
 }
 
@@ -206,8 +217,10 @@ DatabaseUrl parseMariadb(std::string_view rest) {
   std::size_t const authorityEnd = std::min(rest.find_first_of("/?"), rest.size());
   std::string_view const authority = rest.substr(0, authorityEnd);
   if (authority.find('@') == std::string_view::npos && rest.find('@') != std::string_view::npos) {
-    fail("what stands before \"@\" contains \"/\" or \"?\": percent-encode them in the user's name; a password must "
-         "not stand there, name it by the setting \"password_env\" or \"password_file\".");
+    fail(
+        "what stands before \"@\" contains \"/\" or \"?\": percent-encode them in the user's name; "
+        "a password must "
+        "not stand there, name it by the setting \"password_env\" or \"password_file\".");
   }
   readAuthority(url, authority);
   std::string_view path = rest.substr(authorityEnd);
@@ -237,11 +250,12 @@ DatabaseUrl parseDatabaseUrl(std::string_view text) {
     return parseMariadb(text.substr(10));
   }
   std::string_view const kind = text.substr(0, std::min(text.find(':'), text.size()));
-  std::string const shown =
-      isPlainWord(kind) && kind.size() < text.size() ? "unknown kind of database \"" + std::string(kind) + "\"; "
-                                                     : "";
-  fail(shown + "it must begin with \"sqlite:\" or \"mariadb://\", as in \"sqlite:escola.db\" or "
-               "\"mariadb://user@host/database\".");
+  std::string const shown = isPlainWord(kind) && kind.size() < text.size()
+                                ? "unknown kind of database \"" + std::string(kind) + "\"; "
+                                : "";
+  fail(shown +
+       "it must begin with \"sqlite:\" or \"mariadb://\", as in \"sqlite:escola.db\" or "
+       "\"mariadb://user@host/database\".");
 }
 
 }  // namespace mox::core

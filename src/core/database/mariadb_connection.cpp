@@ -21,8 +21,8 @@ constexpr unsigned kIdleTooLong = 4031;
 constexpr unsigned kFirstClientError = 2000;
 constexpr unsigned kLastClientError = 2999;
 
-/// The client library must not change how the whole process takes SIGPIPE, which it does when it starts: its
-/// writes do not raise the signal anyway.
+/// The client library must not change how the whole process takes SIGPIPE, which it does when it
+/// starts: its writes do not raise the signal anyway.
 void startLibrary() {
   struct sigaction before {};
   sigaction(SIGPIPE, nullptr, &before);
@@ -48,12 +48,16 @@ bool endsLine(unsigned number) {
          number == ER_NET_PACKET_TOO_LARGE;
 }
 
-char const* orNull(std::string const& text) { return text.empty() ? nullptr : text.c_str(); }
+char const* orNull(std::string const& text) {
+  return text.empty() ? nullptr : text.c_str();
+}
 
-/// Modes in which the server would read a text otherwise than we do: quotes, backslashes, whole dialects.
+/// Modes in which the server would read a text otherwise than we do: quotes, backslashes, whole
+/// dialects.
 bool changesReading(std::string_view mode) {
-  static constexpr std::string_view kModes[] = {"ANSI_QUOTES", "ANSI",   "NO_BACKSLASH_ESCAPES", "DB2",
-                                                "MAXDB",       "MSSQL",  "ORACLE",               "POSTGRESQL"};
+  static constexpr std::string_view kModes[] = {"ANSI_QUOTES", "ANSI",      "NO_BACKSLASH_ESCAPES",
+                                                "DB2",         "MAXDB",     "MSSQL",
+                                                "ORACLE",      "POSTGRESQL"};
   for (std::string_view const known : kModes) {
     if (mode == known) {
       return true;
@@ -75,11 +79,12 @@ std::string readableModes(std::string_view modes) {
   return kept;
 }
 
-/// Statements whose effect is bound to the line, whatever becomes of it in the server: temporary tables,
-/// variables, locks. Procedures may leave any of them.
+/// Statements whose effect is bound to the line, whatever becomes of it in the server: temporary
+/// tables, variables, locks. Procedures may leave any of them.
 bool leavesSessionState(SqlTokens const& tokens, bool repeated) {
   if (tokens.isWord(0, "create")) {
-    return tokens.isWord(1, "temporary") || (tokens.isWord(1, "or") && tokens.isWord(3, "temporary"));
+    return tokens.isWord(1, "temporary") ||
+           (tokens.isWord(1, "or") && tokens.isWord(3, "temporary"));
   }
   if (tokens.isWord(0, "set")) {
     return !repeated;
@@ -89,7 +94,8 @@ bool leavesSessionState(SqlTokens const& tokens, bool repeated) {
 
 }  // namespace
 
-std::shared_ptr<PhysicalConnection> openMariadb(DatabaseUrl const& url, std::string const& password) {
+std::shared_ptr<PhysicalConnection> openMariadb(DatabaseUrl const& url,
+                                                std::string const& password) {
   return std::make_shared<MariadbConnection>(url, password);
 }
 
@@ -99,7 +105,9 @@ MariadbConnection::MariadbConnection(DatabaseUrl url, std::string password)
   open();
 }
 
-MariadbConnection::~MariadbConnection() { close(); }
+MariadbConnection::~MariadbConnection() {
+  close();
+}
 
 void MariadbConnection::setOptions() {
   my_bool const off = 0;
@@ -129,9 +137,9 @@ void MariadbConnection::open() {
     throw std::bad_alloc();
   }
   setOptions();
-  bool const connected =
-      mysql_real_connect(mysql_, url_.host.c_str(), url_.user.c_str(), password_.c_str(),
-                         orNull(url_.database), url_.port, orNull(url_.socket), CLIENT_MULTI_RESULTS) != nullptr;
+  bool const connected = mysql_real_connect(mysql_, url_.host.c_str(), url_.user.c_str(),
+                                            password_.c_str(), orNull(url_.database), url_.port,
+                                            orNull(url_.socket), CLIENT_MULTI_RESULTS) != nullptr;
   try {
     if (!connected) {
       failToOpen();
@@ -168,7 +176,7 @@ std::string MariadbConnection::queryText(std::string const& sql) {
     fail(nullptr, sql);
   }
   std::unique_ptr<MYSQL_RES, decltype(&mysql_free_result)> const result(mysql_store_result(mysql_),
-                                                                         &mysql_free_result);
+                                                                        &mysql_free_result);
   MYSQL_ROW const row = result ? mysql_fetch_row(result.get()) : nullptr;
   if (row == nullptr || row[0] == nullptr) {
     fail(nullptr, sql);
@@ -183,7 +191,8 @@ void MariadbConnection::setUpSession() {
   isInTransaction_ = false;
 }
 
-std::shared_ptr<moxDatabaseConnection::PreparedStatement> MariadbConnection::prepare(StatementScript script) {
+std::shared_ptr<moxDatabaseConnection::PreparedStatement> MariadbConnection::prepare(
+    StatementScript script) {
   return std::make_shared<MariadbStatement>(shared_from_this(), std::move(script));
 }
 
@@ -222,7 +231,8 @@ void MariadbConnection::dropRows(std::string const& sql) {
   }
 }
 
-/// An idle line has nothing to say: what can be read there is its end, or the server's reason for it.
+/// An idle line has nothing to say: what can be read there is its end, or the server's reason for
+/// it.
 bool MariadbConnection::hasHungUp() {
   pollfd line{mysql_get_socket(mysql_), POLLIN | POLLRDHUP, 0};
   bool const speaks = ::poll(&line, 1, 0) != 0;
@@ -237,9 +247,10 @@ void MariadbConnection::ensureUsable() {
     return;
   }
   if (livingStatements_ > 0) {
-    throw DatabaseError("The connection to the database is lost; it is opened anew once the statements in use are "
-                        "given up",
-                        std::to_string(CR_SERVER_LOST));
+    throw DatabaseError(
+        "The connection to the database is lost; it is opened anew once the statements in use are "
+        "given up",
+        std::to_string(CR_SERVER_LOST));
   }
   bool const takenAlong = hasSessionState_ || isInTransaction_;
   try {
@@ -250,9 +261,10 @@ void MariadbConnection::ensureUsable() {
     throw;
   }
   if (takenAlong) {
-    throw DatabaseError("The connection to the database was lost, and with it the temporary tables and settings of "
-                        "this run; start it again",
-                        std::to_string(CR_SERVER_LOST));
+    throw DatabaseError(
+        "The connection to the database was lost, and with it the temporary tables and settings of "
+        "this run; start it again",
+        std::to_string(CR_SERVER_LOST));
   }
 }
 
@@ -302,7 +314,9 @@ void MariadbConnection::closeLeft() noexcept {
   left_.clear();
 }
 
-void MariadbConnection::noteFailure(unsigned number) noexcept { lost_ = lost_ || endsLine(number); }
+void MariadbConnection::noteFailure(unsigned number) noexcept {
+  lost_ = lost_ || endsLine(number);
+}
 
 void MariadbConnection::noteSessionState(std::string const& sql, bool repeated) {
   hasSessionState_ = hasSessionState_ || leavesSessionState(SqlTokens(sql), repeated);
@@ -323,11 +337,13 @@ void MariadbConnection::fail(MYSQL_STMT* statement, std::string const& sql) {
   }
   if (number == 0) {
     lost_ = true;
-    throw DatabaseError("The result broke off before its last row", std::to_string(CR_SERVER_LOST), sql);
+    throw DatabaseError("The result broke off before its last row", std::to_string(CR_SERVER_LOST),
+                        sql);
   }
   noteFailure(number);
-  throw DatabaseError(message.empty() ? "The database reported a failure without a message" : std::move(message),
-                      std::to_string(number), sql);
+  throw DatabaseError(
+      message.empty() ? "The database reported a failure without a message" : std::move(message),
+      std::to_string(number), sql);
 }
 
 }  // namespace mox::core

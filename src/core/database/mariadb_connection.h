@@ -13,16 +13,20 @@ namespace mox::core {
 
 class MariadbStatement;
 
-/// Opens a line to the server that a URL of the kind kMariadb names. Throws a moxError of one sentence, with
-/// the client's or the server's number as its code, when the server cannot be reached or refuses.
-std::shared_ptr<PhysicalConnection> openMariadb(DatabaseUrl const& url, std::string const& password);
+/// Opens a line to the server that a URL of the kind kMariadb names. Throws a moxError of one
+/// sentence, with the client's or the server's number as its code, when the server cannot be
+/// reached or refuses.
+std::shared_ptr<PhysicalConnection> openMariadb(DatabaseUrl const& url,
+                                                std::string const& password);
 
-/// One line to a MariaDB server, spoken with in the binary protocol. Belongs to one thread at a time.
+/// One line to a MariaDB server, spoken with in the binary protocol. Belongs to one thread at a
+/// time.
 ///
-/// A line carries one conversation: rows that a statement has not read yet stand on it and block every other
-/// request. The statement that they belong to is the line's reader; before anything else is sent, it takes its
-/// remaining rows off the line and keeps them (freeLine).
-class MariadbConnection : public PhysicalConnection, public std::enable_shared_from_this<MariadbConnection> {
+/// A line carries one conversation: rows that a statement has not read yet stand on it and block
+/// every other request. The statement that they belong to is the line's reader; before anything
+/// else is sent, it takes its remaining rows off the line and keeps them (freeLine).
+class MariadbConnection : public PhysicalConnection,
+                          public std::enable_shared_from_this<MariadbConnection> {
  public:
   MariadbConnection(DatabaseUrl url, std::string password);
   ~MariadbConnection() override;
@@ -30,7 +34,8 @@ class MariadbConnection : public PhysicalConnection, public std::enable_shared_f
   MariadbConnection(MariadbConnection const&) = delete;
   MariadbConnection& operator=(MariadbConnection const&) = delete;
 
-  std::shared_ptr<moxDatabaseConnection::PreparedStatement> prepare(StatementScript script) override;
+  std::shared_ptr<moxDatabaseConnection::PreparedStatement> prepare(
+      StatementScript script) override;
   void execute(std::string const& sql) override;
   void ensureUsable() override;
   bool resetForReuse() override;
@@ -39,8 +44,8 @@ class MariadbConnection : public PhysicalConnection, public std::enable_shared_f
 
   MYSQL* handle() { return mysql_; }
 
-  /// Makes the line ready for a request: its reader, if any, keeps its remaining rows, and statements that were
-  /// let go meanwhile are closed.
+  /// Makes the line ready for a request: its reader, if any, keeps its remaining rows, and
+  /// statements that were let go meanwhile are closed.
   void freeLine();
 
   /// The statement whose rows stand on the line, or null.
@@ -57,15 +62,15 @@ class MariadbConnection : public PhysicalConnection, public std::enable_shared_f
   void noteFailure(unsigned number) noexcept;
   bool isLost() const { return lost_; }
 
-  /// Notes what a statement leaves behind on the server that a new line would not have. `repeated` tells that it
-  /// is run again ahead of every use of what it sets.
+  /// Notes what a statement leaves behind on the server that a new line would not have. `repeated`
+  /// tells that it is run again ahead of every use of what it sets.
   void noteSessionState(std::string const& sql, bool repeated);
 
   /// Notes whether the server's last answer left a transaction open.
   void noteTransaction();
 
-  /// Throws the failure that the client library reports for the statement, or else for the line. Notes a lost
-  /// line. `statement` may be null.
+  /// Throws the failure that the client library reports for the statement, or else for the line.
+  /// Notes a lost line. `statement` may be null.
   [[noreturn]] void fail(MYSQL_STMT* statement, std::string const& sql);
 
  private:

@@ -47,8 +47,8 @@ enum_field_types boundType(MariadbKind kind) {
 }
 
 bool isUnsigned(MariadbKind kind) {
-  return kind == MariadbKind::kUInt8 || kind == MariadbKind::kUInt16 || kind == MariadbKind::kUInt32 ||
-         kind == MariadbKind::kUInt64;
+  return kind == MariadbKind::kUInt8 || kind == MariadbKind::kUInt16 ||
+         kind == MariadbKind::kUInt32 || kind == MariadbKind::kUInt64;
 }
 
 MYSQL_BIND bindingOf(MariadbField& field) {

@@ -6,14 +6,16 @@
 namespace mox::core {
 namespace {
 
-unsigned part(int value) { return static_cast<unsigned>(value); }
+unsigned part(int value) {
+  return static_cast<unsigned>(value);
+}
 
 }  // namespace
 
 MariadbParameters::MariadbParameters(int count) : values_(static_cast<std::size_t>(count)) {}
 
-/// A null keeps the type of the value before it, so that a column of values and nulls is announced to the server
-/// once and not with every row.
+/// A null keeps the type of the value before it, so that a column of values and nulls is announced
+/// to the server once and not with every row.
 MariadbParameters::Value& MariadbParameters::change(int position, enum_field_types type) {
   Value& value = values_[static_cast<std::size_t>(position)];
   isBound_ = isBound_ && value.type == type;
@@ -27,7 +29,8 @@ void MariadbParameters::setInt(int position, int value) {
   std::memcpy(&place.number, &value, sizeof value);
 }
 
-/// The server knows no infinite number and none that is not a number, and would store another value.
+/// The server has no value that is not a number; it becomes a null, as on SQLite. An infinite one is
+/// left to the server, which refuses it.
 void MariadbParameters::setDouble(int position, double value) {
   if (std::isnan(value)) {
     setNull(position);
@@ -74,7 +77,9 @@ void MariadbParameters::setMoment(int position, datetime_t const& value) {
   place.time.time_type = MYSQL_TIMESTAMP_DATETIME;
 }
 
-void MariadbParameters::setNull(int position) { values_[static_cast<std::size_t>(position)].isNull = 1; }
+void MariadbParameters::setNull(int position) {
+  values_[static_cast<std::size_t>(position)].isNull = 1;
+}
 
 MYSQL_BIND MariadbParameters::bindingOf(Value& value) {
   MYSQL_BIND binding{};

@@ -12,8 +12,8 @@
 
 namespace mox::core {
 
-/// Values for the marks of a prepared statement, kept from one execution to the next. Every value is a null at
-/// first. Positions count from 0 and must be in range.
+/// Values for the marks of a prepared statement, kept from one execution to the next. Every value
+/// is a null at first. Positions count from 0 and must be in range.
 class MariadbParameters {
  public:
   explicit MariadbParameters(int count);
@@ -22,7 +22,9 @@ class MariadbParameters {
 
   void setInt(int position, int value);
   void setDouble(int position, double value);
-  void setText(int position, std::string_view value) { setBytes(position, MYSQL_TYPE_STRING, value); }
+  void setText(int position, std::string_view value) {
+    setBytes(position, MYSQL_TYPE_STRING, value);
+  }
   void setBlob(int position, std::string_view value) { setBytes(position, MYSQL_TYPE_BLOB, value); }
   void setDate(int position, date_t const& value);
   void setMoment(int position, datetime_t const& value);

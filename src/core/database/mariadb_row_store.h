@@ -8,8 +8,8 @@
 
 namespace mox::core {
 
-/// Rows of a result that were taken off the line before they were read, in their order. Holds them packed, and
-/// gives the memory back as they are read.
+/// Rows of a result that were taken off the line before they were read, in their order. Holds them
+/// packed, and gives the memory back as they are read.
 class MariadbRowStore {
  public:
   bool empty() const { return chunks_.empty(); }

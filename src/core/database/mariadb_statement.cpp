@@ -26,8 +26,8 @@ std::string_view kept(BlockArena& arena, std::string_view text) {
 }
 
 /// Copies a row into row number `at` of the block.
-void copyRow(std::vector<MariadbField> const& cells, std::vector<moxFieldBlock>& blocks, int at, BlockArena& arena,
-             std::string& scratch) {
+void copyRow(std::vector<MariadbField> const& cells, std::vector<moxFieldBlock>& blocks, int at,
+             BlockArena& arena, std::string& scratch) {
   for (std::size_t i = 0; i < cells.size(); ++i) {
     moxFieldBlock& block = blocks[i];
     if (!block.wanted) {
@@ -56,8 +56,11 @@ void copyRow(std::vector<MariadbField> const& cells, std::vector<moxFieldBlock>&
 
 }  // namespace
 
-MariadbStatement::MariadbStatement(std::shared_ptr<MariadbConnection> connection, StatementScript script)
-    : StatementBase(connection, script), connection_(std::move(connection)), sql_(std::move(script.main)) {
+MariadbStatement::MariadbStatement(std::shared_ptr<MariadbConnection> connection,
+                                   StatementScript script)
+    : StatementBase(connection, script),
+      connection_(std::move(connection)),
+      sql_(std::move(script.main)) {
   runBefore();
   connection_->freeLine();
   handle_ = mysql_stmt_init(connection_->handle());
@@ -100,7 +103,9 @@ MariadbParameters& MariadbStatement::parametersFor(int position) {
   return parameters_;
 }
 
-void MariadbStatement::bindInt(int position, int value) { parametersFor(position).setInt(position, value); }
+void MariadbStatement::bindInt(int position, int value) {
+  parametersFor(position).setInt(position, value);
+}
 
 void MariadbStatement::bindDouble(int position, double value) {
   parametersFor(position).setDouble(position, value);
@@ -114,7 +119,9 @@ void MariadbStatement::bindDate(int position, date_t const& value) {
   parametersFor(position).setDate(position, value);
 }
 
-void MariadbStatement::bindNull(int position) { parametersFor(position).setNull(position); }
+void MariadbStatement::bindNull(int position) {
+  parametersFor(position).setNull(position);
+}
 
 void MariadbStatement::bindDateTime(int position, datetime_t const& value) {
   parametersFor(position).setMoment(position, value);
@@ -124,7 +131,9 @@ void MariadbStatement::bindBlob(int position, moxReadBlob const& value) {
   parametersFor(position).setBlob(position, {value.data(), value.size()});
 }
 
-std::int64_t MariadbStatement::rowCount() const { return fieldCount() == 0 ? 0 : -1; }
+std::int64_t MariadbStatement::rowCount() const {
+  return fieldCount() == 0 ? 0 : -1;
+}
 
 void MariadbStatement::executeMain() {
   connection_->freeLine();
@@ -172,7 +181,8 @@ bool MariadbStatement::nextRowOnLine(MariadbRow& row) {
   return false;
 }
 
-/// Reads off what a procedure answers behind its first result with rows: a failure of it may stand there.
+/// Reads off what a procedure answers behind its first result with rows: a failure of it may stand
+/// there.
 void MariadbStatement::finishResults() {
   connection_->setReader(nullptr);
   while (mysql_stmt_more_results(handle_)) {
@@ -194,9 +204,13 @@ bool MariadbStatement::nextStoredRow() {
   return false;
 }
 
-bool MariadbStatement::nextRow() { return isReader() ? nextRowOnLine(row_) : nextStoredRow(); }
+bool MariadbStatement::nextRow() {
+  return isReader() ? nextRowOnLine(row_) : nextStoredRow();
+}
 
-bool MariadbStatement::fetchMain() { return nextRow(); }
+bool MariadbStatement::fetchMain() {
+  return nextRow();
+}
 
 int MariadbStatement::fetchBlockMain(std::vector<moxFieldBlock>& fields, int capacity) {
   arena_.clear();
@@ -259,7 +273,9 @@ MariadbField const& MariadbStatement::cell(int field) const {
   return row_.fields()[static_cast<std::size_t>(field)];
 }
 
-bool MariadbStatement::isNull(int field) const { return cell(field).isNull != 0; }
+bool MariadbStatement::isNull(int field) const {
+  return cell(field).isNull != 0;
+}
 
 int MariadbStatement::getInt(int field) const {
   MariadbField const& value = cell(field);
@@ -273,12 +289,17 @@ double MariadbStatement::getDouble(int field) const {
 
 std::string_view MariadbStatement::getString(int field) const {
   MariadbField const& value = cell(field);
-  return value.isNull != 0 ? std::string_view() : readText(value, scratch_[static_cast<std::size_t>(field)]);
+  return value.isNull != 0 ? std::string_view()
+                           : readText(value, scratch_[static_cast<std::size_t>(field)]);
 }
 
-bool MariadbStatement::getBool(int field) const { return getDouble(field) != 0; }
+bool MariadbStatement::getBool(int field) const {
+  return getDouble(field) != 0;
+}
 
-date_t MariadbStatement::getDate(int field) const { return date_t(getDateTime(field)); }
+date_t MariadbStatement::getDate(int field) const {
+  return date_t(getDateTime(field));
+}
 
 datetime_t MariadbStatement::getDateTime(int field) const {
   MariadbField const& value = cell(field);

@@ -17,8 +17,8 @@
 
 namespace mox::core {
 
-/// A statement prepared on a line to a MariaDB server. Its rows are read from the line one by one, or from its
-/// own store when another statement needed the line meanwhile.
+/// A statement prepared on a line to a MariaDB server. Its rows are read from the line one by one,
+/// or from its own store when another statement needed the line meanwhile.
 class MariadbStatement : public StatementBase {
  public:
   MariadbStatement(std::shared_ptr<MariadbConnection> connection, StatementScript script);
@@ -44,8 +44,8 @@ class MariadbStatement : public StatementBase {
   datetime_t getDateTime(int field) const override;
   std::shared_ptr<moxReadBlob> getBlob(int field) const override;
 
-  /// Takes the rows not read yet off the line and keeps them. A failure on the way is kept too, and thrown to
-  /// whoever reads up to it.
+  /// Takes the rows not read yet off the line and keeps them. A failure on the way is kept too, and
+  /// thrown to whoever reads up to it.
   void keepRemainingRows() noexcept;
 
  protected:
@@ -72,7 +72,7 @@ class MariadbStatement : public StatementBase {
   MYSQL_STMT* handle_ = nullptr;
   MariadbParameters parameters_{0};
   MariadbRow row_;
-  bool isBound_ = false;                      // the client library writes to row_
+  bool isBound_ = false;  // the client library writes to row_
   MariadbRowStore store_;
   std::exception_ptr storedFailure_;          // stands behind the last stored row
   mutable std::vector<std::string> scratch_;  // texts of numbers and dates, field by field

@@ -14,7 +14,9 @@ namespace {
 constexpr double kInt64Limit = 9223372036854775808.0;
 constexpr int kMaxYear = 9999;
 
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
+bool isDigit(char c) {
+  return c >= '0' && c <= '9';
+}
 
 std::string_view withoutLeadingBlanks(std::string_view text) {
   std::size_t const start = text.find_first_not_of(" \t\n\r\f\v");
@@ -42,7 +44,8 @@ std::int64_t int64From(double value) {
   if (value >= kInt64Limit) {
     return std::numeric_limits<std::int64_t>::max();
   }
-  return value < -kInt64Limit ? std::numeric_limits<std::int64_t>::min() : static_cast<std::int64_t>(value);
+  return value < -kInt64Limit ? std::numeric_limits<std::int64_t>::min()
+                              : static_cast<std::int64_t>(value);
 }
 
 std::int64_t int64From(std::string_view text) {
@@ -50,7 +53,8 @@ std::int64_t int64From(std::string_view text) {
   std::int64_t value = 0;
   auto const [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
   if (error == std::errc::result_out_of_range) {
-    return text[0] == '-' ? std::numeric_limits<std::int64_t>::min() : std::numeric_limits<std::int64_t>::max();
+    return text[0] == '-' ? std::numeric_limits<std::int64_t>::min()
+                          : std::numeric_limits<std::int64_t>::max();
   }
   return value;
 }
@@ -116,7 +120,8 @@ datetime_t momentOf(MYSQL_TIME const& time) {
   std::int64_t const year = std::int64_t{time.year} - (time.month <= 2 ? 1 : 0);
   std::int64_t const era = (year >= 0 ? year : year - 399) / 400;
   std::int64_t const yearOfEra = year - era * 400;
-  std::int64_t const dayOfYear = (153 * (std::int64_t{time.month} + (time.month > 2 ? -3 : 9)) + 2) / 5 + time.day - 1;
+  std::int64_t const dayOfYear =
+      (153 * (std::int64_t{time.month} + (time.month > 2 ? -3 : 9)) + 2) / 5 + time.day - 1;
   std::int64_t const dayOfEra = yearOfEra * 365 + yearOfEra / 4 - yearOfEra / 100 + dayOfYear;
   std::int64_t const days = era * 146097 + dayOfEra - 719468;
   return datetime_t::fromTime_t(days * 86400 + time.hour * 3600 + time.minute * 60 + time.second);

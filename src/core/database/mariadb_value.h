@@ -10,8 +10,9 @@
 
 namespace mox::core {
 
-/// Readings of a field's current value, which must not be null. A number out of a text is the longest prefix
-/// that is one; fractions are cut off; what is beyond 64 bits stands at the nearest limit; 32 bits wrap.
+/// Readings of a field's current value, which must not be null. A number out of a text is the
+/// longest prefix that is one; fractions are cut off; what is beyond 64 bits stands at the nearest
+/// limit; 32 bits wrap.
 std::int64_t readInt64Slow(MariadbField const& field);
 double readDoubleSlow(MariadbField const& field);
 datetime_t readMomentSlow(MariadbField const& field);
@@ -19,8 +20,8 @@ datetime_t readMomentSlow(MariadbField const& field);
 /// The value as text, in `scratch` where it is no text already. Valid until either changes.
 std::string_view readTextSlow(MariadbField const& field, std::string& scratch);
 
-/// Seconds from 1970-01-01 of a moment that the server sent; the zero date and dates with a zero month or day
-/// are empty.
+/// Seconds from 1970-01-01 of a moment that the server sent; the zero date and dates with a zero
+/// month or day are empty.
 datetime_t momentOf(MYSQL_TIME const& time);
 
 template <class Number>
