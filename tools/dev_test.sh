@@ -43,14 +43,14 @@ run_sanitized() {
   export TSAN_OPTIONS=halt_on_error=1
   run_gtest unit-address build/address/bin/unit_tests
   run_gtest contract-address build/address/bin/contract_tests
-  run_gtest threads-thread build/thread/bin/unit_tests --gtest_filter='*Threads*'
+  run_gtest threads build/thread/bin/thread_tests
 }
 
 build_sanitized() {
   configure address -DCMAKE_BUILD_TYPE=RelWithDebInfo -DMOX_SANITIZE=address
   ninja -C build/address unit_tests contract_tests test_modules mox_zyn
   configure thread -DCMAKE_BUILD_TYPE=RelWithDebInfo -DMOX_SANITIZE=thread
-  ninja -C build/thread unit_tests
+  ninja -C build/thread thread_tests
 }
 
 # run_all_tests everything|sanitizers
@@ -63,9 +63,9 @@ run_all_tests() {
   [ "$1" = sanitizers ] || run_plain
   run_sanitized
   if [ "$1" = sanitizers ]; then
-    expected="unit-address contract-address threads-thread"
+    expected="unit-address contract-address threads"
   else
-    expected="unit contract end-to-end unit-address contract-address threads-thread"
+    expected="unit contract end-to-end unit-address contract-address threads"
   fi
   # shellcheck disable=SC2086
   /usr/bin/python3 tools/summarise_tests.py "$results" $expected
