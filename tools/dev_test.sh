@@ -48,7 +48,7 @@ run_sanitized() {
 
 build_sanitized() {
   configure address -DCMAKE_BUILD_TYPE=RelWithDebInfo -DMOX_SANITIZE=address
-  ninja -C build/address unit_tests contract_tests test_modules mox_zyn
+  ninja -C build/address unit_tests contract_tests mox_zyn
   configure thread -DCMAKE_BUILD_TYPE=RelWithDebInfo -DMOX_SANITIZE=thread
   ninja -C build/thread thread_tests
 }
@@ -75,7 +75,7 @@ run_coverage() {
   rm -rf "$results" build/coverage/report
   mkdir -p "$results" build/coverage/report
   configure coverage -DCMAKE_BUILD_TYPE=Debug -DMOX_COVERAGE=ON
-  ninja -C build/coverage unit_tests contract_tests test_modules mox_zyn
+  ninja -C build/coverage unit_tests contract_tests mox_zyn
   start_mariadb
   run_gtest unit build/coverage/bin/unit_tests
   run_gtest contract build/coverage/bin/contract_tests
