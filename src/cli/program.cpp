@@ -13,6 +13,7 @@
 #include "cli/commands/commands.h"
 #include "cli/error_text.h"
 #include "cli/global_options.h"
+#include "cli/not_empty.h"
 #include "cli/output/output_target.h"
 #include "mox/core/error.h"
 
@@ -95,9 +96,11 @@ class Program {
  private:
   void addGlobalOptions() {
     parser_.add_option("--config", options_.config, "Read the settings from FILE")
-        ->option_text("FILE");
+        ->option_text("FILE")
+        ->check(notEmpty());
     parser_.add_option("--user", options_.user, "Log in as NAME, a user of settings or database")
-        ->option_text("NAME");
+        ->option_text("NAME")
+        ->check(notEmpty());
     parser_.add_option("--unit", options_.units, "Work for the business unit ID (repeatable)")
         ->option_text("ID")
         ->allow_extra_args(false)

@@ -12,7 +12,7 @@ namespace mox::cli {
 
 namespace {
 
-constexpr std::size_t kLargestStatement = 16 * 1024 * 1024;
+constexpr std::size_t kLargestStatement = std::size_t{16} * 1024 * 1024;
 
 std::string readStandardInput() {
   std::string text;

@@ -34,6 +34,12 @@ def test_wrong_usage(sqlite_school, arguments, line):
     assert sqlite_school.refusal(*arguments, status=2) == line
 
 
+@pytest.mark.parametrize("option", ["--config", "--user", "--out", "--unit-column"])
+def test_empty_value_is_no_missing_option(sqlite_school, option):
+    line = sqlite_school.refusal(*SELECT, option, "", status=2)
+    assert line == f"{option}: the value is empty (see zyn sql --help)"
+
+
 def test_wrong_usage_touches_no_file(sqlite_school):
     (sqlite_school.folder / "a.csv").write_text("old")
     sqlite_school.refusal(*SELECT, "--out", "a.csv", "--bind", "int:x", status=2)

@@ -7,6 +7,7 @@
 #include "cli/commands/commands.h"
 #include "cli/error_text.h"
 #include "cli/host.h"
+#include "cli/not_empty.h"
 #include "cli/output/progress.h"
 #include "cli/output/result_printer.h"
 #include "cli/sort_order.h"
@@ -235,7 +236,8 @@ void addUnitOptions(CLI::App& parser, SqlOptions& options) {
                            .add_option("--unit-column", options.unitColumn,
                                        "Keep to rows whose business unit, in this\n"
                                        "column, is one of --unit or the user's own")
-                           ->option_text("[TABLE.]COLUMN");
+                           ->option_text("[TABLE.]COLUMN")
+                           ->check(notEmpty());
   parser
       .add_flag("--unit-may-be-null", options.unitMayBeNull,
                 "Rows that belong to no unit are everybody's")

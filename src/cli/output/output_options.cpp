@@ -2,6 +2,8 @@
 
 #include <CLI/CLI.hpp>
 
+#include "cli/not_empty.h"
+
 namespace mox::cli {
 
 void addOutputOptions(CLI::App& command, OutputOptions& options) {
@@ -15,7 +17,8 @@ void addOutputOptions(CLI::App& command, OutputOptions& options) {
       .add_option("--out", options.out,
                   "Write to FILE, which appears, or is replaced,\n"
                   "only when everything went well")
-      ->option_text("FILE");
+      ->option_text("FILE")
+      ->check(notEmpty());
 }
 
 }  // namespace mox::cli
