@@ -145,7 +145,7 @@ class RandomTable {
  private:
   void bindRow(Statement& insert) {
     insert.bindInt(0, static_cast<int>(random_()));
-    insert.bindString(1, std::to_string(static_cast<std::int64_t>(random_()) * 4000000007LL));
+    insert.bindString(1, std::to_string(static_cast<std::int64_t>(random_()) * 2000000011));
     insert.bindDouble(2, static_cast<double>(static_cast<int>(random_())) / 977);
     insert.bindString(3, text(300));
     insert.bindString(4, text(random_() % 50 == 0 ? 70000 : 300));

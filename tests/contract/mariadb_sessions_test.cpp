@@ -18,6 +18,17 @@ using mox_test::failureOf;
 using mox_test::TestDatabase;
 using testing::HasSubstr;
 
+using Handler = void (*)(int);
+
+Handler brokenPipeHandler() {
+  struct sigaction action {};
+  ::sigaction(SIGPIPE, nullptr, &action);
+  return action.sa_handler;
+}
+
+/// Before any line was opened.
+Handler const kHandlerAtStart = brokenPipeHandler();
+
 class MariadbSessions : public ::testing::Test {
  protected:
   void SetUp() override {
@@ -126,9 +137,8 @@ TEST_F(MariadbSessions, StatementsAreCommittedAtOnce) {
 }
 
 TEST_F(MariadbSessions, BrokenPipeSignalIsLeftAlone) {
-  struct sigaction action {};
-  ASSERT_EQ(sigaction(SIGPIPE, nullptr, &action), 0);
-  EXPECT_EQ(action.sa_handler, SIG_DFL);
+  db->run("do 0");
+  EXPECT_EQ(brokenPipeHandler(), kHandlerAtStart);
 }
 
 TEST_F(MariadbSessions, WritingToALostLineRaisesNoSignal) {
