@@ -2,6 +2,7 @@
 
 #include <sqlite3.h>
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <optional>
@@ -91,7 +92,7 @@ void appendText(std::string& text, sqlite3_value* value) {
   bool const plain = number == 0 || (std::abs(number) >= 1e-15 && std::abs(number) < 1e15);
   auto const format = plain ? std::chars_format::fixed : std::chars_format::scientific;
   auto const shortest = std::to_chars(digits, digits + sizeof digits, number, format);
-  text.append(digits, shortest.ptr);
+  text.append(digits, std::remove(digits, shortest.ptr, '+'));  // 1e15, not 1e+15
 }
 
 void concat(sqlite3_context* context, int count, sqlite3_value** values) {

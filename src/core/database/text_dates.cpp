@@ -146,7 +146,7 @@ class LenientReader {
   }
 
   static int fullYear(int year, std::size_t digits) {
-    if (digits > 2) {
+    if (digits != 2) {
       return year;
     }
     return year < 70 ? 2000 + year : 1900 + year;

@@ -60,6 +60,7 @@ TEST(TextDates, ReadsPartsWithoutLeadingZerosAndOtherSeparators) {
 TEST(TextDates, ReadsTwoDigitsOfAYear) {
   EXPECT_EQ(parseDateText("69-12-31"), datetime_t(31, 12, 2069));
   EXPECT_EQ(parseDateText("70-01-01"), datetime_t(1, 1, 1970));
+  EXPECT_EQ(parseDateText("5-1-1"), datetime_t(1, 1, 5));
 }
 
 TEST(TextDates, ReadsUndividedDigits) {
