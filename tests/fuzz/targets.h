@@ -12,5 +12,6 @@ namespace mox::fuzz {
 void readXml(std::string_view bytes);
 void readJson(std::string_view bytes);
 void decompress(std::string_view bytes);
+void readSettings(std::string_view bytes);
 
 }  // namespace mox::fuzz

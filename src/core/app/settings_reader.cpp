@@ -12,6 +12,7 @@
 
 #include "core/app/settings.h"
 #include "core/app/settings_schema.h"
+#include "core/app/settings_text.h"
 #include "mox/core/error.h"
 
 namespace mox::core {
@@ -33,10 +34,10 @@ std::string asOneLine(std::string text) {
   return text.size() <= kLongestMessage ? text : text.substr(0, kLongestMessage) + "...";
 }
 
-[[noreturn]] void failAt(std::filesystem::path const& file, toml::source_region const& where,
+[[noreturn]] void failAt(std::filesystem::path const& file, std::size_t line,
                          std::string const& what) {
   throw moxDefaultErrorImpl<moxError>(
-      fmt::format("{}:{}: {}", file.string(), where.begin.line, asOneLine(what)));
+      fmt::format("{}:{}: {}", file.string(), line, asOneLine(what)));
 }
 
 std::string readWhole(std::filesystem::path const& file) {
@@ -249,7 +250,7 @@ class SettingsReader {
   }
 
   [[noreturn]] void fail(toml::source_region const& where, std::string const& what) const {
-    failAt(file_, where, what);
+    failAt(file_, where.begin.line, what);
   }
 
   Settings& settings_;
@@ -258,9 +259,12 @@ class SettingsReader {
 
 toml::table parseTable(std::string_view text, std::filesystem::path const& file) {
   try {
-    return toml::parse(text, file.string());
+    return toml::parse(asciiSettings(text), file.string());
+  } catch (SettingsTextFault const& fault) {
+    failAt(file, fault.line(), fault.what());
   } catch (toml::parse_error const& error) {
-    failAt(file, error.source(), fmt::format("{}; correct the line", error.description()));
+    failAt(file, error.source().begin.line,
+           fmt::format("{}; correct the line", error.description()));
   }
 }
 

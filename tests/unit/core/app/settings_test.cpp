@@ -230,6 +230,18 @@ TEST(Settings, DeepNestingIsRefusedAndDoesNotCrash) {
   EXPECT_NE(failureOf("a = " + std::string(200000, '{')), "no failure");
 }
 
+TEST(Settings, WhatTheParserMustNotSeeIsRefusedWithFileAndLine) {
+  EXPECT_EQ(failureOf("[menu]\ndir = \"\"\"a\"\"\"\n"),
+            "/srv/escola/zyn.toml:2: a text of several lines has no use here; write it in one line "
+            "between single marks");
+}
+
+TEST(Settings, AHeaderWithoutANameIsRefused) {
+  for (auto const* const header : {"[?]\n", "[", "[]", "[[\n", "[ #"}) {
+    EXPECT_EQ(failureOf(header).substr(0, 24), "/srv/escola/zyn.toml:1: ") << header;
+  }
+}
+
 TEST(Settings, InvalidUtf8IsRefused) {
   EXPECT_EQ(failureOf("[menu]\ndir = \"\xff\xfe\"\n").substr(0, 24), "/srv/escola/zyn.toml:2: ");
 }

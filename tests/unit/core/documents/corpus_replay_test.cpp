@@ -39,5 +39,9 @@ TEST(FuzzCorpus, CompressedFilesReplay) {
   EXPECT_GE(replay("decompress", decompress), 10);
 }
 
+TEST(FuzzCorpus, SettingsFilesReplay) {
+  EXPECT_GE(replay("settings", readSettings), 10);
+}
+
 }  // namespace
 }  // namespace mox::fuzz
