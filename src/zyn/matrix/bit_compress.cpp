@@ -27,18 +27,6 @@ struct CompressSteps {
   std::array<std::uint64_t, 6> moved{};
 };
 
-void applyPortable(std::uint64_t mask, std::uint64_t* words, std::size_t count) {
-  CompressSteps const steps(mask);
-  for (std::size_t i = 0; i < count; ++i) {
-    std::uint64_t word = words[i] & mask;
-    for (unsigned int step = 0; step < steps.moved.size(); ++step) {
-      std::uint64_t const moving = word & steps.moved[step];
-      word = (word ^ moving) | (moving >> (1U << step));
-    }
-    words[i] = word;
-  }
-}
-
 #if defined(__x86_64__)
 __attribute__((target("bmi2"))) void applyBmi2(std::uint64_t mask, std::uint64_t* words,
                                                std::size_t count) {
@@ -61,5 +49,17 @@ void BitCompress::apply(std::uint64_t* words, std::size_t count) const {
     return;
   }
 #endif
-  applyPortable(mask_, words, count);
+  applyPortable(words, count);
+}
+
+void BitCompress::applyPortable(std::uint64_t* words, std::size_t count) const {
+  CompressSteps const steps(mask_);
+  for (std::size_t i = 0; i < count; ++i) {
+    std::uint64_t word = words[i] & mask_;
+    for (unsigned int step = 0; step < steps.moved.size(); ++step) {
+      std::uint64_t const moving = word & steps.moved[step];
+      word = (word ^ moving) | (moving >> (1U << step));
+    }
+    words[i] = word;
+  }
 }

@@ -15,6 +15,9 @@ class BitCompress {
   /// Compresses `count` words in place.
   void apply(std::uint64_t* words, std::size_t count) const;
 
+  /// The same on a processor without the instruction.
+  void applyPortable(std::uint64_t* words, std::size_t count) const;
+
  private:
   std::uint64_t mask_;
 };
