@@ -58,6 +58,7 @@ inline Column dates(std::string const& name, std::vector<std::optional<datetime_
 inline Column blobs(std::string const& name,
                     std::vector<std::optional<std::string>> const& values) {
   std::vector<std::optional<std::shared_ptr<moxReadBlob>>> made;
+  made.reserve(values.size());
   for (auto const& value : values) {
     made.push_back(
         value ? std::optional<std::shared_ptr<moxReadBlob>>(std::make_shared<core::Blob>(*value))
