@@ -11,7 +11,7 @@
 #include "mox/zyn/matrix/data_matrix.h"
 #include "mox/zyn/matrix/data_matrix_sorter.h"
 #include "support/test_host.h"
-#include "unit/frame/fake_module.h"
+#include "support/fake_module.h"
 
 using fake_module::FakeObject;
 using fake_module::ForeignInterface;

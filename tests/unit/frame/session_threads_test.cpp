@@ -14,7 +14,7 @@
 #include "mox/zyn/matrix/data_matrix.h"
 #include "mox/zyn/matrix/data_matrix_column.h"
 #include "support/test_host.h"
-#include "unit/frame/fake_module.h"
+#include "support/fake_module.h"
 
 using fake_module::FakeObject;
 using mox::core::Session;

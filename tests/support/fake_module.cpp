@@ -1,4 +1,4 @@
-#include "unit/frame/fake_module.h"
+#include "support/fake_module.h"
 
 #include "mox/core/registry.h"
 #include "mox/zyn/frame/plugin_entry.h"
