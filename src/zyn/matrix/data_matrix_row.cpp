@@ -171,7 +171,9 @@ void DataMatrixRow::useIndexOver(std::vector<std::shared_ptr<moxIterator>> const
     filterKeys_ = wanted;
   }
   for (auto const& key : filterKeys_) {
-    addIterator(key);
+    if (std::find(cursors_.begin(), cursors_.end(), key) == cursors_.end()) {
+      addIterator(key);
+    }
   }
 }
 

@@ -3,14 +3,21 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <span>
 #include <utility>
 #include <vector>
 
 #include "zyn/matrix/data_matrix_row.h"
 
+class RowGroups;
+
 /// Which rows carry which combination of key values, and the place that the owning row has reached
-/// among those of one combination. Belongs to one row; the groups behind it may be shared by the
-/// row's clones, which only read them.
+/// among those of one combination. Belongs to one row; the groups behind it are shared with the
+/// row's clones and never change.
+///
+/// What a combination finds is told by a tree of them, ordered by moxIterator::compare. Over the
+/// module's own columns the tree is not even grown until somebody asks what hashing cannot answer:
+/// fewer values than keys, or a NaN.
 class DataMatrixRow::Index {
  public:
   using Keys = std::vector<std::shared_ptr<moxIterator>>;
@@ -27,7 +34,7 @@ class DataMatrixRow::Index {
   /// is not there.
   bool begin(KeyValues const& values);
 
-  /// As DataMatrixRow, with a filter.
+  /// As DataMatrixRow with a filter; without a group there is nothing to move over.
   bool next();
   bool previous();
   bool atEnd() const;
@@ -40,12 +47,17 @@ class DataMatrixRow::Index {
   std::unique_ptr<Index> copy(DataMatrixRow& owner) const;
 
  private:
-  void growInOrderOfRows();
+  std::span<unsigned int const> rowsWith(KeyValues const& values);
+  std::span<unsigned int const> rowsInTree(KeyValues const& values);
 
-  std::shared_ptr<Groups> groups_;
-  Groups::iterator group_;                           // groups_->end() without a current group
-  std::vector<unsigned int>::const_iterator place_;  // in the current group's rows; valid with one
-  bool grownInKeyOrder_ = false;  // not row by row, which gives the tree another shape
+  // The row may let go of a key's cursor, and with it of the column, while the index is in use.
+  std::vector<std::shared_ptr<moxDataMatrixColumn>> columns_;
+
+  std::shared_ptr<RowGroups const> hashed_;  // null where only the tree can answer
+  std::shared_ptr<Groups const> groups_;     // null until hashing cannot answer
+
+  std::span<unsigned int const> group_;  // the current group's rows; empty without one
+  std::size_t place_ = 0;                // in the group; its size at the end
   DataMatrixRow* owner_;
 };
 
@@ -66,8 +78,6 @@ class DataMatrixRow::Index::RowMatch {
   friend bool operator<(KeyValues const& left, RowMatch const& right) {
     return compare(left, right.cursors_) < 0;
   }
-
-  KeyValues const& cursors() const { return cursors_; }
 
  private:
   static int compare(KeyValues const& left, KeyValues const& right);

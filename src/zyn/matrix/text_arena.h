@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <memory>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 /// Where the bytes of long texts live. Bytes once written never move and never change, so that
@@ -15,6 +16,14 @@ class TextArena {
   /// A copy would write its next text where the original does; share() is what is meant instead.
   TextArena(TextArena const&) = delete;
   TextArena& operator=(TextArena const&) = delete;
+
+  /// The bytes stay where they are; the other is empty afterwards.
+  TextArena(TextArena&& other) noexcept { swap(other); }
+  TextArena& operator=(TextArena&& other) noexcept {
+    TextArena taken(std::move(other));
+    swap(taken);
+    return *this;
+  }
 
   /// Copies the bytes and gives their new place. Throws std::bad_alloc.
   char const* store(std::string_view bytes) {
@@ -40,6 +49,13 @@ class TextArena {
 
  private:
   void addChunk(std::size_t atLeast);
+
+  void swap(TextArena& other) noexcept {
+    std::swap(chunks_, other.chunks_);
+    std::swap(next_, other.next_);
+    std::swap(room_, other.room_);
+    std::swap(capacity_, other.capacity_);
+  }
 
   std::vector<std::shared_ptr<char[]>> chunks_;
   char* next_ = nullptr;

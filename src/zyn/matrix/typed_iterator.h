@@ -107,6 +107,9 @@ class moxTypedIterator final : public moxIteratorBase<T> {
   /// The column, for engines that go on with its storage.
   CommonColumn<T>& column() const { return *column_; }
 
+  /// The cell as it is stored; not to be asked for at the end.
+  typename ColumnStorage<T>::Cell const& cell() const { return storage().values.cells()[row_]; }
+
   void setNull() override {
     if (!atEnd()) {
       storage().nulls.set(row_);
@@ -138,8 +141,6 @@ class moxTypedIterator final : public moxIteratorBase<T> {
     }
     return compareCells(get(), other.get());
   }
-
-  typename ColumnStorage<T>::Cell const& cell() const { return storage().values.cells()[row_]; }
 
   CommonColumn<T>* column_;
   unsigned int row_;  // past the last row of a column that was cleared meanwhile

@@ -16,7 +16,7 @@ using namespace mox_test;
 namespace {
 
 using Numbers = std::vector<std::uint32_t>;
-using Columns = std::vector<moxDataMatrixColumn const*>;
+using Columns = KeyGrouper::Columns;
 
 class KeyGroupsTest : public testing::Test {
  protected:
@@ -29,24 +29,41 @@ class KeyGroupsTest : public testing::Test {
   }
 
   static void expectGroups(std::vector<NamedCells> const& keys, Numbers const& groupOfRow,
-                           Numbers const& firstRow, Numbers const& inKeyOrder) {
+                           Numbers const& firstRow) {
     auto const table = matrix(keys);
-    auto const groups = groupByKeys(columnsOf(*table), table->rowCount());
-    ASSERT_TRUE(groups);
-    EXPECT_EQ(groups->groupOfRow, groupOfRow);
-    EXPECT_EQ(groups->firstRow, firstRow);
-    EXPECT_EQ(groupsInKeyOrder(columnsOf(*table), *groups), inKeyOrder);
+    KeyGrouper grouper;
+    ASSERT_TRUE(grouper.group(columnsOf(*table), table->rowCount()));
+    EXPECT_EQ(grouper.groups().groupOfRow, groupOfRow);
+    EXPECT_EQ(grouper.groups().firstRow, firstRow);
+    for (std::uint32_t row = 0; row < table->rowCount(); ++row) {
+      EXPECT_EQ(grouper.find(cursorsOn(*table, row)), groupOfRow[row]) << "row " << row;
+    }
+  }
+
+  static KeyGrouper::Values cursorsOn(moxDataMatrix& table, unsigned int row) {
+    KeyGrouper::Values values;
+    for (unsigned int place = 0; place < table.columnCount(); ++place) {
+      auto const cursor = table.columnAt(place)->begin();
+      cursor->goTo(row);
+      values.push_back(cursor);
+    }
+    return values;
+  }
+
+  static std::uint32_t found(KeyGrouper const& grouper, std::vector<NamedCells> const& values) {
+    auto const table = matrix(values);
+    return grouper.find(cursorsOn(*table, 0));
   }
 
   TestHost host_;
 };
 
 TEST_F(KeyGroupsTest, NumbersGroupsInTheOrderOfTheirFirstRows) {
-  expectGroups({{"k", ints(5, 3, 5, 4, 3)}}, {0, 1, 0, 2, 1}, {0, 1, 3}, {1, 2, 0});
+  expectGroups({{"k", ints(5, 3, 5, 4, 3)}}, {0, 1, 0, 2, 1}, {0, 1, 3});
 }
 
-TEST_F(KeyGroupsTest, NullIsAKeyAndComesFirstInOrder) {
-  expectGroups({{"k", texts("b", null, "", null)}}, {0, 1, 2, 1}, {0, 1, 2}, {1, 2, 0});
+TEST_F(KeyGroupsTest, NullIsAKeyLikeAnyOther) {
+  expectGroups({{"k", texts("b", null, "", null)}}, {0, 1, 2, 1}, {0, 1, 2});
 }
 
 TEST_F(KeyGroupsTest, AValueUnderANullIsNotSeen) {
@@ -55,14 +72,13 @@ TEST_F(KeyGroupsTest, AValueUnderANullIsNotSeen) {
   cursor->goTo(1);
   cursor->setNull();
 
-  auto const groups = groupByKeys({key.get()}, 3);
-
-  ASSERT_TRUE(groups);
-  EXPECT_EQ(groups->groupOfRow, Numbers({0, 1, 0}));
+  KeyGrouper grouper;
+  ASSERT_TRUE(grouper.group({key.get()}, 3));
+  EXPECT_EQ(grouper.groups().groupOfRow, Numbers({0, 1, 0}));
 }
 
 TEST_F(KeyGroupsTest, NegativeZeroIsZero) {
-  expectGroups({{"k", doubles(0.0, -0.0, 1.0)}}, {0, 0, 1}, {0, 2}, {0, 1});
+  expectGroups({{"k", doubles(0.0, -0.0, 1.0)}}, {0, 0, 1}, {0, 2});
 }
 
 TEST_F(KeyGroupsTest, TextsOfEveryLengthAreToldApart) {
@@ -73,43 +89,93 @@ TEST_F(KeyGroupsTest, TextsOfEveryLengthAreToldApart) {
     numbers.push_back(length);
   }
 
-  expectGroups({{"k", texts(cells)}}, numbers, numbers, numbers);
+  expectGroups({{"k", texts(cells)}}, numbers, numbers);
 }
 
 TEST_F(KeyGroupsTest, SeveralKeysDecideOneAfterTheOther) {
   expectGroups({{"a", ints(2, 1, 2, 1, 2)}, {"b", texts("x", "y", null, "x", "x")}},
-               {0, 1, 2, 3, 0}, {0, 1, 2, 3}, {3, 1, 2, 0});
+               {0, 1, 2, 3, 0}, {0, 1, 2, 3});
 }
 
 TEST_F(KeyGroupsTest, DatesAndBlobs) {
   auto const one = blob("x");
   auto const other = blob("x");
-  auto const groups = groupByKeys({column("b", blobs(one, other, one)).get()}, 3);
-  EXPECT_EQ(groups->groupOfRow, Numbers({0, 1, 0}));
-
-  expectGroups({{"d", dates("2024-03-05", "2023-01-01", "2024-03-05")}}, {0, 1, 0}, {0, 1}, {1, 0});
+  expectGroups({{"b", blobs(one, other, one)}}, {0, 1, 0}, {0, 1});
+  expectGroups({{"d", dates("2024-03-05", "2023-01-01", "2024-03-05")}}, {0, 1, 0}, {0, 1});
 }
 
 TEST_F(KeyGroupsTest, OnlyTheRowsAskedForAreGrouped) {
   auto const key = column("k", ints(1, 2, 3));
+  KeyGrouper two;
+  KeyGrouper none;
 
-  EXPECT_EQ(groupByKeys({key.get()}, 2)->groupOfRow, Numbers({0, 1}));
-  EXPECT_TRUE(groupByKeys({key.get()}, 0)->firstRow.empty());
+  ASSERT_TRUE(two.group({key.get()}, 2));
+  ASSERT_TRUE(none.group({key.get()}, 0));
+
+  EXPECT_EQ(two.groups().groupOfRow, Numbers({0, 1}));
+  EXPECT_EQ(found(two, {{"k", ints(3)}}), KeyGrouper::kNoGroup);
+  EXPECT_TRUE(none.groups().firstRow.empty());
 }
 
 TEST_F(KeyGroupsTest, ANaNCannotBeHashedUnlessItIsBehindTheRows) {
   auto const key = column("k", doubles(1.0, 2.0, NAN));
 
-  EXPECT_FALSE(groupByKeys({key.get()}, 3));
-  EXPECT_TRUE(groupByKeys({key.get()}, 2));
+  EXPECT_FALSE(KeyGrouper().group({key.get()}, 3));
+  EXPECT_TRUE(KeyGrouper().group({key.get()}, 2));
 }
 
 TEST_F(KeyGroupsTest, ForeignColumnsAreNotGrouped) {
   auto const own = column("k", ints(1));
   ForeignIntColumn const foreign("f", {1});
 
-  EXPECT_FALSE(groupByKeys({&foreign}, 1));
-  EXPECT_FALSE(groupByKeys({own.get(), &foreign}, 1));
+  EXPECT_FALSE(KeyGrouper().group({&foreign}, 1));
+  EXPECT_FALSE(KeyGrouper().group({own.get(), &foreign}, 1));
+}
+
+TEST_F(KeyGroupsTest, FindsAbsentKeysNowhere) {
+  auto const table = matrix({{"a", ints(1, 2)}, {"b", texts("x", "y")}});
+  KeyGrouper grouper;
+  ASSERT_TRUE(grouper.group(columnsOf(*table), 2));
+
+  EXPECT_EQ(found(grouper, {{"a", ints(3)}, {"b", texts("x")}}), KeyGrouper::kNoGroup);
+  EXPECT_EQ(found(grouper, {{"a", ints(1)}, {"b", texts("y")}}), KeyGrouper::kNoGroup);
+  EXPECT_EQ(found(grouper, {{"a", ints(1)}, {"b", texts(null)}}), KeyGrouper::kNoGroup);
+  EXPECT_EQ(found(grouper, {{"a", ints(2)}, {"b", texts("y")}}), 1U);
+}
+
+TEST_F(KeyGroupsTest, SaysWhereHashingCannotTell) {
+  auto const table = matrix({{"a", doubles(1.0)}, {"b", texts("x")}});
+  KeyGrouper grouper;
+  ASSERT_TRUE(grouper.group(columnsOf(*table), 1));
+
+  EXPECT_EQ(found(grouper, {{"a", doubles(1.0)}}), KeyGrouper::kCannotTell);
+  EXPECT_EQ(found(grouper, {{"a", doubles(NAN)}, {"b", texts("x")}}), KeyGrouper::kCannotTell);
+  EXPECT_EQ(found(grouper, {{"a", doubles(1.0)}, {"b", ints(1)}}), KeyGrouper::kCannotTell);
+}
+
+TEST_F(KeyGroupsTest, FindsTheKeysOfForeignCursors) {
+  auto const key = column("k", texts("a text that is longer than twelve", null));
+  KeyGrouper grouper;
+  ASSERT_TRUE(grouper.group({key.get()}, 2));
+  auto const foreign = std::make_shared<ForeignTextColumn>(
+      "f",
+      std::vector<std::optional<std::string>>{std::nullopt, "a text that is longer than twelve"});
+  auto const cursor = foreign->begin();
+
+  EXPECT_EQ(grouper.find({cursor}), 1U);
+  cursor->next();
+  EXPECT_EQ(grouper.find({cursor}), 0U);
+}
+
+TEST_F(KeyGroupsTest, AKeyColumnThatWasClearedIsNotReadBeyondItsEnd) {
+  auto const key = column("k", texts("a text that is longer than twelve"));
+  auto const wanted = column("k", texts("a text that is longer than twelve"));
+  KeyGrouper grouper;
+  ASSERT_TRUE(grouper.group({key.get()}, 1));
+
+  key->clear();
+
+  EXPECT_EQ(grouper.find({wanted->begin()}), KeyGrouper::kNoGroup);
 }
 
 TEST_F(KeyGroupsTest, ManyGroupsSurviveTheGrowthOfTheTable) {
@@ -122,11 +188,12 @@ TEST_F(KeyGroupsTest, ManyGroupsSurviveTheGrowthOfTheTable) {
   cells.insert(cells.end(), cells.begin(), cells.begin() + 50000);
   auto const key = column("k", ints(cells));
 
-  auto const groups = groupByKeys({key.get()}, 100000);
+  KeyGrouper grouper;
+  ASSERT_TRUE(grouper.group({key.get()}, 100000));
 
-  EXPECT_EQ(groups->firstRow, numbers);
+  EXPECT_EQ(grouper.groups().firstRow, numbers);
   numbers.insert(numbers.end(), numbers.begin(), numbers.begin() + 50000);
-  EXPECT_EQ(groups->groupOfRow, numbers);
+  EXPECT_EQ(grouper.groups().groupOfRow, numbers);
 }
 
 }  // namespace

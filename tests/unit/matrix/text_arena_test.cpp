@@ -4,6 +4,7 @@
 
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 TEST(TextArena, BytesStayWhereTheyWereWrittenWhileItGrows) {
@@ -72,4 +73,20 @@ TEST(TextArena, SharingWithItselfChangesNothing) {
 
   EXPECT_EQ(std::string_view(place, 4), "text");
   EXPECT_EQ(arena.capacity(), 1024U);
+}
+
+TEST(TextArena, AMovedOneTakesItsBytesAlongAndLeavesTheOtherEmpty) {
+  TextArena first;
+  char const* const place = first.store("text");
+  TextArena second(std::move(first));
+
+  char const* const other = first.store("next");
+  second.store("more");
+
+  EXPECT_EQ(std::string_view(place, 4), "text");
+  EXPECT_EQ(std::string_view(other, 4), "next");
+
+  first = std::move(second);
+  EXPECT_EQ(std::string_view(place, 4), "text");
+  EXPECT_EQ(first.capacity(), 1024U);
 }

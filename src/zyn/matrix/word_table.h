@@ -1,0 +1,81 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <vector>
+
+/// Spreads the bits of a word over all others.
+inline std::uint64_t mixWord(std::uint64_t word) {
+  constexpr std::uint64_t kOdd = 0x9E3779B97F4A7C15U;
+  __extension__ using Wide = unsigned __int128;
+  Wide const product = static_cast<Wide>(word ^ (word >> 32U)) * kOdd;
+  return static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64U);
+}
+
+/// Drawn once a process, so that nobody can prepare data whose keys all fall on one place. It
+/// decides how long a look-up takes and nothing else.
+std::uint64_t hashSeed();
+
+/// Gives words of 64 bits numbers of 32. Open addressing, a step of one place; the word stands in
+/// the slot, so that most probes touch one line of memory and growing touches nothing else.
+class WordTable {
+ public:
+  static constexpr std::uint32_t kAbsent = std::numeric_limits<std::uint32_t>::max();
+
+  /// The word's number; `number()` gives one to a word that has none yet. `same(number)` decides
+  /// between different things of one word.
+  template <class Same, class Number>
+  std::uint32_t findOrAdd(std::uint64_t word, Same const& same, Number const& number) {
+    std::size_t const place = placeOf(word, same);
+    if (slots_[place].number != kAbsent) {
+      return slots_[place].number;
+    }
+    std::uint32_t const given = number();
+    slots_[place] = {word, given};
+    if (++used_ * 2 > slots_.size()) {
+      grow();
+    }
+    return given;
+  }
+
+  /// The word's number; kAbsent when it has none.
+  template <class Same>
+  std::uint32_t find(std::uint64_t word, Same const& same) const {
+    return slots_[placeOf(word, same)].number;
+  }
+
+ private:
+  struct Slot {
+    std::uint64_t word = 0;
+    std::uint32_t number = kAbsent;
+  };
+
+  /// Where the word stands, or would have to.
+  template <class Same>
+  std::size_t placeOf(std::uint64_t word, Same const& same) const {
+    std::size_t place = mixWord(word ^ seed_) & mask_;
+    while (slots_[place].number != kAbsent &&
+           !(slots_[place].word == word && same(slots_[place].number))) {
+      place = (place + 1) & mask_;
+    }
+    return place;
+  }
+
+  void grow() {
+    std::vector<Slot> old(slots_.size() * 4);
+    old.swap(slots_);
+    mask_ = slots_.size() - 1;
+    auto const different = [](std::uint32_t) { return false; };
+    for (Slot const& slot : old) {
+      if (slot.number != kAbsent) {
+        slots_[placeOf(slot.word, different)] = slot;
+      }
+    }
+  }
+
+  std::vector<Slot> slots_ = std::vector<Slot>(1024);  // a power of two, at most half of it used
+  std::size_t mask_ = slots_.size() - 1;
+  std::size_t used_ = 0;
+  std::uint64_t seed_ = hashSeed();
+};
