@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -62,6 +63,8 @@ struct NamedRoad {
   char const* name;
   Road read;
 };
+
+void PrintTo(NamedRoad const& road, std::ostream* output) { *output << road.name; }
 
 class MariadbFaults : public ::testing::TestWithParam<NamedRoad> {
  protected:

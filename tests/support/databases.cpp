@@ -5,6 +5,7 @@
 
 #include <atomic>
 #include <filesystem>
+#include <ostream>
 #include <stdexcept>
 #include <thread>
 
@@ -43,6 +44,10 @@ std::vector<DatabaseKind> databasesUnderTest() {
     return {DatabaseKind::kSqlite, DatabaseKind::kMariadb};
   }
   return {DatabaseKind::kSqlite};
+}
+
+void PrintTo(DatabaseKind kind, std::ostream* output) {
+  *output << (kind == DatabaseKind::kSqlite ? "SQLite" : "MariaDB");
 }
 
 std::string databaseName(::testing::TestParamInfo<DatabaseKind> const& info) {

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <iosfwd>
 #include <memory>
 #include <optional>
 #include <string>
@@ -13,6 +14,9 @@
 namespace mox_test {
 
 enum class DatabaseKind { kSqlite, kMariadb };
+
+/// Shows the kind by its name in a failed test's report.
+void PrintTo(DatabaseKind kind, std::ostream* output);
 
 /// SQLite, and MariaDB where the environment's MOX_TEST_MARIADB_URL names a server.
 std::vector<DatabaseKind> databasesUnderTest();
