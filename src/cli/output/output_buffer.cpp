@@ -1,7 +1,6 @@
 #include "cli/output/output_buffer.h"
 
 #include <charconv>
-#include <cstring>
 
 #include "cli/output/value_text.h"
 
@@ -15,8 +14,7 @@ void OutputBuffer::append(std::string_view text) {
       return;
     }
   }
-  std::memcpy(bytes_.data() + used_, text.data(), text.size());
-  used_ += text.size();
+  used_ += text.copy(bytes_.data() + used_, text.size());
 }
 
 void OutputBuffer::pad(int count, char character) {
