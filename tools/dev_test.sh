@@ -8,7 +8,7 @@ start_mariadb() {
   mariadb_dir=$(mktemp -d "${TMPDIR:-/tmp}/mox-test-db.XXXXXX")
   trap stop_mariadb EXIT
   trap 'exit 130' INT TERM
-  MOX_TEST_MARIADB_URL=$(sh tests/support/mariadb_server.sh start "$mariadb_dir")
+  MOX_TEST_MARIADB_URL=$(sh tests/support/mariadb_server.sh start "$mariadb_dir" $$)
   export MOX_TEST_MARIADB_URL
 }
 
