@@ -64,7 +64,9 @@ struct NamedRoad {
   Road read;
 };
 
-void PrintTo(NamedRoad const& road, std::ostream* output) { *output << road.name; }
+void PrintTo(NamedRoad const& road, std::ostream* output) {
+  *output << road.name;
+}
 
 class MariadbFaults : public ::testing::TestWithParam<NamedRoad> {
  protected:

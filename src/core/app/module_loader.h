@@ -31,7 +31,7 @@ class ModuleLoader {
   ModuleLoader& operator=(ModuleLoader const&) = delete;
 
   /// Loads a module from a file.
-  void load(std::filesystem::path const& file);
+  void load(std::filesystem::path const& path);
 
   /// Takes a module that is linked into the program; `name` is what messages call it.
   void add(moxModuleEntryPoints const& entryPoints, std::string const& name);

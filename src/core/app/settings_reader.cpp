@@ -19,7 +19,7 @@ namespace mox::core {
 
 namespace {
 
-constexpr std::size_t kLargestFile = 1024 * 1024;
+constexpr std::size_t kLargestFile = std::size_t{1024} * 1024;
 
 constexpr std::size_t kLongestMessage = 500;
 

@@ -29,8 +29,8 @@ void MariadbParameters::setInt(int position, int value) {
   std::memcpy(&place.number, &value, sizeof value);
 }
 
-/// The server has no value that is not a number; it becomes a null, as on SQLite. An infinite one is
-/// left to the server, which refuses it.
+/// The server has no value that is not a number; it becomes a null, as on SQLite. An infinite one
+/// is left to the server, which refuses it.
 void MariadbParameters::setDouble(int position, double value) {
   if (std::isnan(value)) {
     setNull(position);

@@ -80,11 +80,13 @@ std::uint64_t bitsOf(MariadbField const& field) {
 /// A day as the server counts it when a number is wanted: 20240305, or 20240305101500 with a time.
 std::int64_t digitsOf(MariadbField const& field) {
   MYSQL_TIME const& time = field.time;
-  std::int64_t const day = std::int64_t{time.year} * 10000 + time.month * 100 + time.day;
+  std::int64_t const day =
+      std::int64_t{time.year} * 10000 + std::int64_t{time.month} * 100 + time.day;
   if (field.kind == MariadbKind::kDate) {
     return day;
   }
-  return day * 1000000 + time.hour * 10000 + time.minute * 100 + time.second;
+  return day * 1000000 + std::int64_t{time.hour} * 10000 + std::int64_t{time.minute} * 100 +
+         time.second;
 }
 
 void appendMoment(std::string& target, MariadbField const& field) {
@@ -124,7 +126,8 @@ datetime_t momentOf(MYSQL_TIME const& time) {
       (153 * (std::int64_t{time.month} + (time.month > 2 ? -3 : 9)) + 2) / 5 + time.day - 1;
   std::int64_t const dayOfEra = yearOfEra * 365 + yearOfEra / 4 - yearOfEra / 100 + dayOfYear;
   std::int64_t const days = era * 146097 + dayOfEra - 719468;
-  return datetime_t::fromTime_t(days * 86400 + time.hour * 3600 + time.minute * 60 + time.second);
+  return datetime_t::fromTime_t(days * 86400 + std::int64_t{time.hour} * 3600 +
+                                std::int64_t{time.minute} * 60 + time.second);
 }
 
 std::int64_t readInt64Slow(MariadbField const& field) {

@@ -41,6 +41,7 @@ User restrictedToUnits(User user, std::vector<int> const& unitIds) {
     return user;
   }
   std::vector<UserUnit> kept;
+  kept.reserve(unitIds.size());
   for (int const id : unitIds) {
     kept.push_back(unitOf(user, id));
   }

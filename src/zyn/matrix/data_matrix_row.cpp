@@ -165,10 +165,10 @@ bool DataMatrixRow::beginWithFilter(std::vector<std::shared_ptr<moxIterator>> co
 
 void DataMatrixRow::useIndexOver(std::vector<std::shared_ptr<moxIterator>> const& keys) {
   if (!index_ || filterKeys_ != keys) {
-    auto const wanted = keys;  // the caller's vector may be emptied below, when it is our own
+    auto wanted = keys;  // the caller's vector may be emptied below, when it is our own
     clearFilter();
     index_ = std::make_unique<Index>(wanted, *this);
-    filterKeys_ = wanted;
+    filterKeys_ = std::move(wanted);
   }
   for (auto const& key : filterKeys_) {
     if (std::find(cursors_.begin(), cursors_.end(), key) == cursors_.end()) {

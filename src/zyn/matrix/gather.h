@@ -1,22 +1,50 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
-#include <memory>
-#include <ranges>
+#include <iterator>
 #include <string>
-#include <vector>
+#include <type_traits>
 
 #include "zyn/matrix/column_storage.h"
 
-/// Fills an empty storage with rows of another, in the order of the row numbers. Texts share the
-/// source's bytes instead of copying them.
+/// Goes through cells in the order of row numbers. An array that is assigned from such a range is
+/// written once; filling it by index would write its defaults first.
+template <class Cell>
+class PickedCell {
+ public:
+  using iterator_category = std::random_access_iterator_tag;
+  using value_type = Cell;
+  using difference_type = std::ptrdiff_t;
+  using pointer = Cell const*;
+  using reference = Cell const&;
+
+  PickedCell(Cell const* cells, std::uint32_t const* row) : cells_(cells), row_(row) {}
+
+  reference operator*() const { return cells_[*row_]; }
+  PickedCell& operator++() {
+    ++row_;
+    return *this;
+  }
+  PickedCell& operator+=(difference_type rows) {
+    row_ += rows;
+    return *this;
+  }
+  difference_type operator-(PickedCell const& other) const { return row_ - other.row_; }
+  bool operator==(PickedCell const& other) const { return row_ == other.row_; }
+
+ private:
+  Cell const* cells_;
+  std::uint32_t const* row_;
+};
+
+/// Fills an empty storage with rows of another, in the order of the row numbers, which is a vector
+/// of std::uint32_t. Texts share the source's bytes instead of copying them.
 template <class T, class Rows>
 void gatherRows(ColumnStorage<T> const& source, Rows const& rows, ColumnStorage<T>& target) {
   auto const* const cells = source.values.cells();
-  auto const picked = rows | std::views::transform([cells](std::uint32_t row) -> auto const& {
-                        return cells[row];
-                      });
-  target.values.array().assign(picked.begin(), picked.end());
+  target.values.array().assign(PickedCell(cells, rows.data()),
+                               PickedCell(cells, rows.data() + rows.size()));
   if constexpr (std::is_same_v<T, std::string>) {
     target.values.arena().share(source.values.arena());
   }

@@ -13,8 +13,8 @@
 #include "mox/core/error.h"
 #include "mox/zyn/matrix/data_matrix.h"
 #include "mox/zyn/matrix/data_matrix_column.h"
-#include "support/test_host.h"
 #include "support/fake_module.h"
+#include "support/test_host.h"
 
 using fake_module::FakeObject;
 using mox::core::Session;
