@@ -10,8 +10,8 @@
 #include "mox/core/error.h"
 #include "mox/zyn/matrix/data_matrix.h"
 #include "mox/zyn/matrix/data_matrix_sorter.h"
-#include "support/test_host.h"
 #include "support/fake_module.h"
+#include "support/test_host.h"
 
 using fake_module::FakeObject;
 using fake_module::ForeignInterface;
