@@ -48,7 +48,8 @@ def check(entry, build, settings, clean):
 def main(build):
     root = pathlib.Path.cwd()
     listed = json.loads((build / "compile_commands.json").read_text())
-    entries = [entry for entry in listed if not pathlib.Path(entry["file"]).is_relative_to(root / "tests")]
+    left_out = (root / "tests", root / "build")
+    entries = [entry for entry in listed if not any(pathlib.Path(entry["file"]).is_relative_to(out) for out in left_out)]
     memory = build / "clang-tidy-clean.json"
     clean = json.loads(memory.read_text()) if memory.exists() else {}
     failures = 0

@@ -2,7 +2,6 @@
 
 #include <cmath>
 #include <exception>
-#include <ranges>
 #include <vector>
 
 #include "core/database/database.h"
@@ -112,8 +111,9 @@ class BulkMode {
 };
 
 void dropTables(moxDatabaseConnection& connection) {
-  for (Table const& table : allTables() | std::views::reverse) {
-    connection.execute("drop table if exists " + std::string(table.name));
+  auto const tables = allTables();
+  for (auto table = tables.rbegin(); table != tables.rend(); ++table) {
+    connection.execute("drop table if exists " + std::string(table->name));
   }
 }
 

@@ -26,6 +26,10 @@ class PickedCell {
     ++row_;
     return *this;
   }
+  PickedCell& operator--() {
+    --row_;
+    return *this;
+  }
   PickedCell& operator+=(difference_type rows) {
     row_ += rows;
     return *this;
