@@ -1,0 +1,18 @@
+#include "compare/cases.h"
+
+namespace bench {
+
+std::vector<Case> const& allCases() {
+  static std::vector<Case> const cases = {
+      {"load-sqlite", "six columns from SQLite", &loadFromSqliteCase},
+      {"load-mariadb", "the same from a MariaDB server over a local socket", &loadFromMariadbCase},
+      {"sort-numbers", "six columns by an integer and a double", &sortByNumbersCase},
+      {"sort-text", "six columns by a text of ten bytes", &sortByCodeCase},
+      {"append", "appending to a column, value by value", &appendCase},
+      {"walk", "reading a column with a cursor", &walkCase},
+      {"index", "building a key index and looking keys up", &indexCase},
+  };
+  return cases;
+}
+
+}  // namespace bench
