@@ -23,6 +23,10 @@ target_include_directories(mox_options INTERFACE "${CMAKE_SOURCE_DIR}/include" "
 target_compile_options(mox_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Wno-restrict
                                              -Woverloaded-virtual -Werror=return-type)
 
+if(MOX_SANITIZE)
+  # Enough for readable reports; more would only make the second and third build of everything slower.
+  set(CMAKE_CXX_FLAGS_RELWITHDEBINFO "-O1 -g1")
+endif()
 if(MOX_SANITIZE STREQUAL "address")
   # Types are told apart by name across the libraries, as their symbols stay hidden; the vptr check compares
   # addresses and would report every interface that crosses a library's border.

@@ -1,5 +1,9 @@
 # Configuring and building. Sourced by ./dev.
-# shellcheck shell=sh
+# shellcheck shell=sh disable=SC2154
+
+# One cache serves every clone on the machine: paths below the clone are cached as relative ones.
+export CCACHE_BASEDIR="$root"
+export CCACHE_NOHASHDIR=1
 
 # configure NAME [CMake options]: makes build/NAME ready for ninja.
 configure() {
