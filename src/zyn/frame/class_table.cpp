@@ -3,6 +3,13 @@
 #include <memory>
 
 #include "mox/core/registry.h"
+#include "zyn/format/date_formatter.h"
+#include "zyn/format/decimal_formatter.h"
+#include "zyn/format/formatter_property.h"
+#include "zyn/format/integral_formatter.h"
+#include "zyn/format/properties_collection.h"
+#include "zyn/format/text_filter.h"
+#include "zyn/format/text_formatter.h"
 #include "zyn/frame/plugin_containers.h"
 #include "zyn/matrix/data_matrix.h"
 #include "zyn/matrix/data_matrix_columns.h"
@@ -30,6 +37,14 @@ void registerMatrix(moxPluginRegistry& registry) {
   internal<DataMatrixRow>(registry, "moxDataMatrixRow");
 }
 
+void registerFormatting(moxPluginRegistry& registry) {
+  internal<IntegralFormatter>(registry, "moxIntegralFormatter");
+  internal<DecimalFormatter>(registry, "moxDecimalFormatter");
+  internal<TextFormatter>(registry, "moxTextFormatter");
+  internal<TextFilter>(registry, "moxTextFilter");
+  internal<DateFormatter>(registry, "moxDateFormatter");
+}
+
 void registerSqlLoading(moxPluginRegistry& registry) {
   internal<DataMatrixSQLLoader>(registry, "moxDataMatrixSQLLoader");
   internal<DataMatrixSQLIntegerUniqueFilter>(registry, "moxDataMatrixSQLIntegerUniqueFilter");
@@ -50,10 +65,17 @@ void registerMatrixOperations(moxPluginRegistry& registry) {
   internal<DataMatrixSorter>(registry, "moxDataMatrixSorter");
 }
 
+void registerSearchAndProperties(moxPluginRegistry& registry) {
+  internal<PropertiesCollection>(registry, "moxPropertiesCollection");
+  internal<FormatterProperty>(registry, "FormatterProperty");
+}
+
 }  // namespace
 
 void registerModuleClasses(moxPluginRegistry& registry) {
   registerMatrix(registry);
+  registerFormatting(registry);
   registerSqlLoading(registry);
   registerMatrixOperations(registry);
+  registerSearchAndProperties(registry);
 }

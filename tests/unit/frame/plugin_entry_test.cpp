@@ -94,6 +94,11 @@ TEST(PluginEntry, ClassesAreRegisteredInTheirOrder) {
                                                          "moxDataMatrixTextColumn",
                                                          "moxDataMatrixBlobColumn",
                                                          "moxDataMatrixRow",
+                                                         "moxIntegralFormatter",
+                                                         "moxDecimalFormatter",
+                                                         "moxTextFormatter",
+                                                         "moxTextFilter",
+                                                         "moxDateFormatter",
                                                          "moxDataMatrixSQLLoader",
                                                          "moxDataMatrixSQLIntegerUniqueFilter",
                                                          "moxDataMatrixSQLIntegerUniqueSQLFilter",
@@ -107,7 +112,9 @@ TEST(PluginEntry, ClassesAreRegisteredInTheirOrder) {
                                                          "moxDataMatrixSQLDoubleInFilter",
                                                          "moxDataMatrixSQLDateUniqueFilter",
                                                          "moxDataMatrixSQLDateRangeFilter",
-                                                         "moxDataMatrixSorter"}));
+                                                         "moxDataMatrixSorter",
+                                                         "moxPropertiesCollection",
+                                                         "FormatterProperty"}));
 }
 
 TEST(PluginEntry, EveryClassOfTheModuleCanBeMadeAndKnowsItsRegisteredName) {
