@@ -11,6 +11,14 @@
 #include "zyn/format/text_filter.h"
 #include "zyn/format/text_formatter.h"
 #include "zyn/frame/plugin_containers.h"
+#include "zyn/items/formatter_zyn_item.h"
+#include "zyn/items/zyn_cache.h"
+#include "zyn/items/zyn_collection.h"
+#include "zyn/items/zyn_pack.h"
+#include "zyn/items/zyn_session_cache.h"
+#include "zyn/items/zyn_tools.h"
+#include "zyn/items/zyn_utils.h"
+#include "zyn/items/zync_loader_service.h"
 #include "zyn/matrix/data_matrix.h"
 #include "zyn/matrix/data_matrix_columns.h"
 #include "zyn/matrix/data_matrix_row.h"
@@ -25,6 +33,22 @@ namespace {
 template <class T>
 void internal(moxPluginRegistry& registry, char const* registeredName) {
   registry.registerClass(std::make_unique<moxInternalPluginContainer<T>>(registeredName));
+}
+
+template <class T>
+void internalStatic(moxPluginRegistry& registry, char const* registeredName) {
+  registry.registerClass(std::make_unique<moxInternalStaticPluginContainer<T>>(registeredName));
+}
+
+void registerCollections(moxPluginRegistry& registry) {
+  internal<zynCollection>(registry, "moxZYNCollection");
+  internal<zynPack>(registry, "moxZYNPack");
+  internalStatic<zynUtils>(registry, "moxZYNUtils");
+  internalStatic<zynCache>(registry, "moxZYNCache");
+  registry.registerClass(std::make_unique<moxCoreStaticSessionPluginContainer<zynSessionCache>>(
+      "moxZYNSessionCache"));
+  internalStatic<zynTools>(registry, "moxZYNTools");
+  internal<FormatterZynItem>(registry, "moxFormatterZYNItem");
 }
 
 void registerMatrix(moxPluginRegistry& registry) {
@@ -73,9 +97,11 @@ void registerSearchAndProperties(moxPluginRegistry& registry) {
 }  // namespace
 
 void registerModuleClasses(moxPluginRegistry& registry) {
+  registerCollections(registry);
   registerMatrix(registry);
   registerFormatting(registry);
   registerSqlLoading(registry);
   registerMatrixOperations(registry);
   registerSearchAndProperties(registry);
+  registry.registerService(std::make_unique<ZYNCLoaderService>());
 }

@@ -1,5 +1,6 @@
 #include "mox/zyn/frame/plugin_entry.h"
 
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -51,6 +52,16 @@ std::vector<std::string> namesOf(RecordingRegistry const& registry) {
   return names;
 }
 
+std::string containerKindOf(std::string const& registeredName) {
+  static std::map<std::string, std::string> const others = {
+      {"moxZYNUtils", "internal static"},
+      {"moxZYNCache", "internal static"},
+      {"moxZYNTools", "internal static"},
+      {"moxZYNSessionCache", "core static session"}};
+  auto const found = others.find(registeredName);
+  return found != others.end() ? found->second : "internal";
+}
+
 }  // namespace
 
 TEST(PluginEntry, EntryPointStoresBothPointersAndNothingElse) {
@@ -87,7 +98,14 @@ TEST(PluginEntry, RegistrationNamesTheLibraryAndGives1) {
 TEST(PluginEntry, ClassesAreRegisteredInTheirOrder) {
   RecordingRegistry registry;
   moxPlugIn_RegisterClasses(&registry);
-  EXPECT_EQ(namesOf(registry), (std::vector<std::string>{"moxDataMatrix",
+  EXPECT_EQ(namesOf(registry), (std::vector<std::string>{"moxZYNCollection",
+                                                         "moxZYNPack",
+                                                         "moxZYNUtils",
+                                                         "moxZYNCache",
+                                                         "moxZYNSessionCache",
+                                                         "moxZYNTools",
+                                                         "moxFormatterZYNItem",
+                                                         "moxDataMatrix",
                                                          "moxDataMatrixDateColumn",
                                                          "moxDataMatrixDoubleColumn",
                                                          "moxDataMatrixIntColumn",
@@ -117,11 +135,18 @@ TEST(PluginEntry, ClassesAreRegisteredInTheirOrder) {
                                                          "FormatterProperty"}));
 }
 
+TEST(PluginEntry, TheServiceThatLoadsCollectionsIsRegistered) {
+  RecordingRegistry registry;
+  moxPlugIn_RegisterClasses(&registry);
+  ASSERT_EQ(registry.services.size(), 1u);
+  EXPECT_EQ(registry.services[0]->name(), "ZYNCLoaderService");
+}
+
 TEST(PluginEntry, EveryClassOfTheModuleCanBeMadeAndKnowsItsRegisteredName) {
   TestHost host;
   for (auto const& entry : host.application().registry().classes()) {
     if (entry.library == "ZYNC") {
-      EXPECT_EQ(entry.containerKind, "internal") << entry.name;
+      EXPECT_EQ(entry.containerKind, containerKindOf(entry.name)) << entry.name;
       auto const object = host.get<moxPluginBase>(entry.name);
       ASSERT_NE(object, nullptr) << entry.name;
       EXPECT_EQ(object->name(), entry.name);

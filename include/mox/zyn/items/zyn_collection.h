@@ -20,8 +20,8 @@ class moxZYNCollection : public virtual moxPluginBase {
 
   /// Reads the library, and adds an item for each element behind those that are there. The name of
   /// the element is the registered name of the item's class. An item that refuses its element ends
-  /// the list, and is not added; the result is true all the same. A registered class that is no item
-  /// leaves an empty pointer in the list; an element of an unknown class is passed over (see
+  /// the list, and is not added; the result is true all the same. A registered class that is no
+  /// item leaves an empty pointer in the list; an element of an unknown class is passed over (see
   /// moxZYNLoadReport). False for an empty node.
   virtual bool unserialize(std::shared_ptr<moxXMLNode> node) = 0;
 

@@ -19,7 +19,7 @@ class moxZYNLoadReport {
  public:
   virtual ~moxZYNLoadReport() = default;
 
-  /// In the order in which they were met; for a collection those inside its packs too, for the
-  /// cache those of every collection that was appended since it was cleared.
+  /// For a collection those inside its packs come first, then its own; for the cache those of every
+  /// collection that was appended since it was cleared, in the order of appending.
   virtual std::vector<moxZYNSkippedElement> skippedElements() const = 0;
 };

@@ -9,10 +9,12 @@
 
 class moxXMLNode;
 
-/// One of the things that a pack holds. The registered name of the class is the name of its element.
+/// One of the things that a pack holds. The registered name of the class is the name of its
+/// element.
 class moxZYNPackItem : public virtual moxPluginBase {
  public:
-  /// Fills the object from its element; false when the element is not usable, and for an empty node.
+  /// Fills the object from its element; false when the element is not usable, and for an empty
+  /// node.
   virtual bool load(std::shared_ptr<moxXMLNode> node) = 0;
 
   /// Writes the object into its element; false when it could not, and for an empty node.

@@ -36,8 +36,8 @@ class moxZYNUtils : public virtual moxPluginBase {
   virtual std::shared_ptr<moxZYNCollection> loadBinaryFile(std::string const& path) = 0;
   virtual std::shared_ptr<moxZYNCollection> loadPlainFile(std::string const& path) = 0;
 
-  /// Turns one form of the file into the other. The text is carried over byte by byte, without being
-  /// understood.
+  /// Turns one form of the file into the other. The text is carried over byte by byte, without
+  /// being understood.
   virtual void plainToBinary(std::string const& from, std::string const& to) = 0;
   virtual void binaryToPlain(std::string const& from, std::string const& to) = 0;
 
@@ -46,8 +46,8 @@ class moxZYNUtils : public virtual moxPluginBase {
                                                 bool indent) = 0;
 
   /// A new item, equal and independent, of the same library. An item that cannot be saved gives one
-  /// as its class makes it; empty for an empty pointer. Throws moxPluginNotFound for a class that is
-  /// not registered.
+  /// as its class makes it; empty for an empty pointer. Throws moxPluginNotFound for a class that
+  /// is not registered.
   virtual std::shared_ptr<moxZYNItem> duplicateItem(std::shared_ptr<moxZYNItem> item) = 0;
 
   /// As duplicateItem.

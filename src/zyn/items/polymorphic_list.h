@@ -1,0 +1,68 @@
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "mox/core/application.h"
+#include "mox/core/error.h"
+#include "mox/core/xml.h"
+#include "mox/zyn/frame/plugin_entry.h"
+#include "mox/zyn/items/zyn_load_report.h"
+
+/// Lists of objects of many classes in XML: an element each, named like the registered class. `T`
+/// has name(), load(node) and save(node). Every definition that holds such a list reads and writes
+/// it here.
+namespace polymorphic_list {
+
+/// Adds an element for each object in order, passing over empty pointers. An object that cannot be
+/// saved ends the list.
+template <class T>
+void save(std::vector<std::shared_ptr<T>> const& items, moxXMLNode& node) {
+  for (auto const& item : items) {
+    if (item && !item->save(node.addChild(item->name()))) {
+      return;
+    }
+  }
+}
+
+/// What reading one element came to.
+enum class Reading { kTaken, kRefused, kUnknown };
+
+/// Makes the object of an element. A registered class that is no `T` counts as taken and leaves
+/// `item` empty. Unknown is an element whose class, or a class that it needs in turn, nobody has
+/// registered; `reason` then says which.
+template <class T>
+Reading read(std::shared_ptr<moxXMLNode> const& element, std::shared_ptr<T>& item,
+             std::string& reason) {
+  try {
+    item = moxApp->get<T>(element->elementName());
+    return !item || item->load(element) ? Reading::kTaken : Reading::kRefused;
+  } catch (moxPluginNotFound const& error) {
+    reason = error.errorMessage();
+    return Reading::kUnknown;
+  }
+}
+
+/// Reads the element's children, whatever their names, and hands each object to `append`, an empty
+/// pointer for a class that is no `T`. An object that refuses its element ends the list. Gives the
+/// elements of unknown classes, which do no harm to the others.
+template <class T, class Append>
+std::vector<moxZYNSkippedElement> load(moxXMLNode const& node, Append const& append) {
+  std::vector<moxZYNSkippedElement> skipped;
+  for (int i = 0; auto const element = node.childByIndex(i); ++i) {
+    std::shared_ptr<T> item;
+    std::string reason;
+    Reading const reading = read(element, item, reason);
+    if (reading == Reading::kRefused) {
+      break;
+    }
+    if (reading == Reading::kTaken) {
+      append(std::move(item));
+    } else {
+      skipped.push_back({element->elementName(), element->line(), reason, {}, {}});
+    }
+  }
+  return skipped;
+}
+
+}  // namespace polymorphic_list

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <charconv>
+#include <string>
+#include <string_view>
+
+#include "mox/core/xml.h"
+
+/// Values as definitions keep them in attributes. Reading never fails: what is absent or no value
+/// of the kind gives the default. Writing always gives what reading takes.
+namespace xml_attributes {
+
+/// "1" is true and "0" is false.
+inline bool readBool(moxXMLNode const& node, std::string_view name, bool defaultValue = false) {
+  auto const text = node.readAttribute(name);
+  return text == "1" || (text != "0" && defaultValue);
+}
+
+inline void writeBool(moxXMLNode& node, std::string_view name, bool value) {
+  node.writeAttribute(name, value ? "1" : "0");
+}
+
+/// A whole text of decimal digits, perhaps behind a "-", that fits into 32 bits.
+inline int readInt(moxXMLNode const& node, std::string_view name, int defaultValue = 0) {
+  auto const text = node.readAttribute(name);
+  int value = 0;
+  auto const [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+  bool const whole = error == std::errc() && end == text.data() + text.size();
+  return whole ? value : defaultValue;
+}
+
+inline void writeInt(moxXMLNode& node, std::string_view name, int value) {
+  node.writeAttribute(name, std::to_string(value));
+}
+
+}  // namespace xml_attributes

@@ -1,0 +1,191 @@
+#include "zyn/items/zyn_utils.h"
+
+#include <algorithm>
+#include <array>
+#include <stdexcept>
+
+#include "mox/core/application.h"
+#include "mox/core/blob.h"
+#include "mox/core/compress.h"
+#include "mox/core/file_operations.h"
+#include "mox/core/xml.h"
+#include "mox/zyn/format/generic_formatter.h"
+#include "mox/zyn/frame/plugin_entry.h"
+#include "mox/zyn/items/zyn_collection.h"
+#include "mox/zyn/items/zyn_item.h"
+#include "zyn/items/zyn_collection.h"
+
+namespace {
+
+constexpr std::array<char, 10> binDataSignature = {1, 0, 'M', 'O', 'X', 'Z', 'Y', 'N', 'C', 0};
+
+std::shared_ptr<moxFileOperations> files() {
+  return moxApp->get<moxFileOperations>("moxFileOperations");
+}
+
+std::shared_ptr<moxCompress> compressor() {
+  return moxApp->get<moxCompress>("moxZCompress");
+}
+
+std::shared_ptr<moxXMLDocument> newDocument() {
+  return moxApp->get<moxXMLDocument>("moxXMLDocument");
+}
+
+bool tellsFile(moxError const& error, std::string const& path) {
+  auto texts = error.errorDetails();
+  texts.push_back(error.errorMessage());
+  return std::any_of(texts.begin(), texts.end(),
+                     [&](std::string const& text) { return text.find(path) != std::string::npos; });
+}
+
+/// A failure as it was, with the file's name before its details.
+class FileFailure final : public moxError {
+ public:
+  FileFailure(moxError const& error, std::string const& path)
+      : message_(error.errorMessage()), code_(error.errorCode()), details_(error.errorDetails()) {
+    details_.insert(details_.begin(), "file: " + path);
+  }
+
+  std::string errorMessage() const override { return message_; }
+  std::vector<std::string> errorDetails() const override { return details_; }
+  std::string errorCode() const override { return code_; }
+
+ private:
+  std::string message_;
+  std::string code_;
+  std::vector<std::string> details_;
+};
+
+/// Reads a file by `read`; failures that do not tell which file it was get its name as a detail.
+template <class Read>
+auto namingFile(std::string const& path, Read const& read) {
+  try {
+    return read();
+  } catch (moxError const& error) {
+    if (tellsFile(error, path)) {
+      throw;
+    }
+    throw FileFailure(error, path);
+  }
+}
+
+bool hasSignature(moxReadBlobCursor& file) {
+  std::array<char, binDataSignature.size()> head = {};
+  return file.read(head.data(), head.size()) == head.size() && head == binDataSignature;
+}
+
+std::shared_ptr<moxZYNCollection> collectionOf(std::string const& path,
+                                               moxReadBlob const& document) {
+  auto collection = zynUtils::unserializeZYNC(document);
+  if (auto* const own = dynamic_cast<zynCollection*>(collection.get())) {
+    own->setFile(path);
+  }
+  return collection;
+}
+
+/// A new object of the same class, told the same by way of an element. The element bears the name
+/// that it would have in a collection: a class may look at it. An object that cannot be saved
+/// leaves the new one as its class makes it.
+template <class T>
+std::shared_ptr<T> copyByXml(T const& original) {
+  auto copy = moxApp->get<T>(original.name());
+  auto const document = newDocument();
+  auto const root = document->root();
+  root->setElementName(original.name());
+  if (copy && original.save(root)) {
+    copy->load(root);
+  }
+  return copy;
+}
+
+}  // namespace
+
+zynUtils::FError::FError(std::string const& path)
+    : moxDefaultErrorImpl<moxZYNUtils::FormatError>("Cabeçalho de dados incorreto.",
+                                                    {"file: " + path}) {}
+
+void zynUtils::savePlainToFile(std::string const& path,
+                               std::shared_ptr<moxZYNCollection> collection) {
+  files()->saveFile(path, *getPlainData(std::move(collection), true));
+}
+
+void zynUtils::saveBinaryToFile(std::string const& path,
+                                std::shared_ptr<moxZYNCollection> collection) {
+  auto const document = getPlainData(std::move(collection), false);
+  toBinFile(path, *document->openRead());
+}
+
+std::shared_ptr<moxZYNCollection> zynUtils::loadBinaryFile(std::string const& path) {
+  return namingFile(path, [&] { return collectionOf(path, *fromBinFile(path)); });
+}
+
+std::shared_ptr<moxZYNCollection> zynUtils::loadPlainFile(std::string const& path) {
+  return namingFile(path, [&] { return collectionOf(path, *files()->readFile(path)); });
+}
+
+void zynUtils::plainToBinary(std::string const& from, std::string const& to) {
+  auto const document = files()->readFile(from);
+  toBinFile(to, *document->openRead());
+}
+
+void zynUtils::binaryToPlain(std::string const& from, std::string const& to) {
+  files()->saveFile(to, *fromBinFile(from));
+}
+
+std::shared_ptr<moxBlob> zynUtils::getPlainData(std::shared_ptr<moxZYNCollection> collection,
+                                                bool indent) {
+  if (!collection) {
+    throw std::logic_error("moxZYNUtils was given no collection to write");
+  }
+  auto const document = newDocument();
+  collection->serialize(document->root());
+  std::string const text = document->writeText(indent ? 1 : 0, 1);
+  auto blob = moxApp->get<moxBlob>("moxBlob");
+  blob->assign(text.data(), text.size());
+  return blob;
+}
+
+std::shared_ptr<moxZYNItem> zynUtils::duplicateItem(std::shared_ptr<moxZYNItem> item) {
+  if (!item) {
+    return {};
+  }
+  auto copy = copyByXml(*item);
+  if (copy) {
+    copy->setParentLibraryName(item->getParentLibName());
+  }
+  return copy;
+}
+
+std::shared_ptr<moxGenericFormatter> zynUtils::duplicateFormatter(
+    std::shared_ptr<moxGenericFormatter const> formatter) {
+  return formatter ? copyByXml(*formatter) : nullptr;
+}
+
+void zynUtils::toBinFile(std::string const& path, moxReadBlobCursor& document) {
+  auto const squeezed = compressor()->compress(document);
+  auto const blob = moxApp->get<moxBlob>("moxBlob");
+  blob->resize(binDataSignature.size() + squeezed->size());
+  auto const cursor = blob->open();
+  cursor->write(binDataSignature.data(), binDataSignature.size());
+  cursor->write(squeezed->data(), squeezed->size());
+  files()->saveFile(path, *blob);
+}
+
+std::shared_ptr<moxBlob> zynUtils::fromBinFile(std::string const& path) {
+  return namingFile(path, [&] {
+    auto const file = files()->readFile(path);
+    auto const cursor = file->openRead();
+    if (!hasSignature(*cursor)) {
+      throw FError(path);
+    }
+    return compressor()->decompress(*cursor);
+  });
+}
+
+std::shared_ptr<moxZYNCollection> zynUtils::unserializeZYNC(moxReadBlob const& document) {
+  auto const xml = newDocument();
+  xml->parse(document);
+  auto collection = moxApp->get<moxZYNCollection>("moxZYNCollection");
+  collection->unserialize(xml->root());
+  return collection;
+}
