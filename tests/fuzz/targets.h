@@ -13,5 +13,6 @@ void readXml(std::string_view bytes);
 void readJson(std::string_view bytes);
 void decompress(std::string_view bytes);
 void readSettings(std::string_view bytes);
+void readDateMask(std::string_view bytes);
 
 }  // namespace mox::fuzz

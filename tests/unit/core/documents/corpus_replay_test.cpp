@@ -43,5 +43,9 @@ TEST(FuzzCorpus, SettingsFilesReplay) {
   EXPECT_GE(replay("settings", readSettings), 10);
 }
 
+TEST(FuzzCorpus, DateMasksReplay) {
+  EXPECT_GE(replay("date_mask", readDateMask), 10);
+}
+
 }  // namespace
 }  // namespace mox::fuzz
