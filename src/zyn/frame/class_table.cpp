@@ -45,8 +45,8 @@ void registerCollections(moxPluginRegistry& registry) {
   internal<zynPack>(registry, "moxZYNPack");
   internalStatic<zynUtils>(registry, "moxZYNUtils");
   internalStatic<zynCache>(registry, "moxZYNCache");
-  registry.registerClass(std::make_unique<moxCoreStaticSessionPluginContainer<zynSessionCache>>(
-      "moxZYNSessionCache"));
+  registry.registerClass(
+      std::make_unique<moxCoreStaticSessionPluginContainer<zynSessionCache>>("moxZYNSessionCache"));
   internalStatic<zynTools>(registry, "moxZYNTools");
   internal<FormatterZynItem>(registry, "moxFormatterZYNItem");
 }
