@@ -73,7 +73,7 @@ DateMask::Civil::Civil(std::time_t secondsSinceEpoch) {
   second = ofDay % 60;
 }
 
-DateMask::DateMask(std::string const& mask) : mask_(mask.c_str()) {
+DateMask::DateMask(std::string const& mask) : mask_(mask, 0, mask.find('\0')) {
   for (std::size_t i = 0; i < mask_.size() && !needsLibrary_; ++i) {
     if (mask_[i] != '%') {
       addByte(mask_[i]);
