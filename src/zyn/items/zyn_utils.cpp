@@ -17,7 +17,8 @@
 
 namespace {
 
-constexpr std::array<char, 10> kBinDataSignature = {1, 0, 'M', 'O', 'X', 'Z', 'Y', 'N', 'C', 0};
+// The name by which the format's users know it. NOLINTNEXTLINE(readability-identifier-naming)
+constexpr std::array<char, 10> binDataSignature = {1, 0, 'M', 'O', 'X', 'Z', 'Y', 'N', 'C', 0};
 
 std::shared_ptr<moxFileOperations> files() {
   return moxApp->get<moxFileOperations>("moxFileOperations");
@@ -70,8 +71,8 @@ auto namingFile(std::string const& path, Read const& read) {
 }
 
 bool hasSignature(moxReadBlobCursor& file) {
-  std::array<char, kBinDataSignature.size()> head = {};
-  return file.read(head.data(), head.size()) == head.size() && head == kBinDataSignature;
+  std::array<char, binDataSignature.size()> head = {};
+  return file.read(head.data(), head.size()) == head.size() && head == binDataSignature;
 }
 
 std::shared_ptr<moxZYNCollection> collectionOf(std::string const& path,
@@ -164,9 +165,9 @@ std::shared_ptr<moxGenericFormatter> zynUtils::duplicateFormatter(
 void zynUtils::toBinFile(std::string const& path, moxReadBlobCursor& document) {
   auto const squeezed = compressor()->compress(document);
   auto const blob = moxApp->get<moxBlob>("moxBlob");
-  blob->resize(kBinDataSignature.size() + squeezed->size());
+  blob->resize(binDataSignature.size() + squeezed->size());
   auto const cursor = blob->open();
-  cursor->write(kBinDataSignature.data(), kBinDataSignature.size());
+  cursor->write(binDataSignature.data(), binDataSignature.size());
   cursor->write(squeezed->data(), squeezed->size());
   files()->saveFile(path, *blob);
 }
