@@ -20,7 +20,7 @@ endif()
 
 add_library(mox_options INTERFACE)
 target_include_directories(mox_options INTERFACE "${CMAKE_SOURCE_DIR}/include" "${CMAKE_SOURCE_DIR}/src")
-target_compile_options(mox_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Wno-restrict
+target_compile_options(mox_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>
                                              -Woverloaded-virtual -Werror=return-type)
 
 if(MOX_SANITIZE)

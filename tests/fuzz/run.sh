@@ -14,13 +14,13 @@ for program in "$build"/bin/fuzz_*; do
   name=${program##*/fuzz_}
   found="$build/found/$name"
   mkdir -p "$found"
-  set -- -max_total_time="$seconds" -print_final_stats=0 -verbosity=0 -artifact_prefix="$found/broken-"
+  set -- -max_total_time="$seconds" -print_final_stats=1 -artifact_prefix="$found/broken-"
   if [ -f "tests/fuzz/$name.dict" ]; then
     set -- "$@" -dict="tests/fuzz/$name.dict"
   fi
   echo "== $name, $seconds seconds"
   if "$program" "$@" "$found" "$corpus/$name" >"$found.log" 2>&1; then
-    tail -n 1 "$found.log"
+    sed -n 's/^stat::number_of_executed_units: *\([0-9]*\)$/   \1 inputs, nothing broke/p' "$found.log"
   else
     failed=1
     tail -n 40 "$found.log"
