@@ -1,6 +1,8 @@
 #include "core/documents/xml_writer.h"
 
+#include <string>
 #include <string_view>
+#include <utility>
 
 #include "core/documents/xml_names.h"
 
@@ -56,14 +58,31 @@ class Writer {
       childrenInLines = childrenInLines && !isText(child);
     }
     endLine(childrenInLines);
-    for (pugi::xml_node const child : node.children()) {
+    for (pugi::xml_node child = node.first_child(); child; child = child.next_sibling()) {
       if (isText(child)) {
-        text(child.value());
+        child = textRun(child);
       } else {
         element(child, level + 1, childrenInLines);
       }
     }
     startLine(childrenInLines, level);
+  }
+
+  /// Texts side by side, as a comment or a CDATA section leaves them, are one text to the next
+  /// reader and so are written as one. Gives the last of them.
+  pugi::xml_node textRun(pugi::xml_node first) {
+    pugi::xml_node last = first;
+    std::string joined;
+    while (isText(last.next_sibling())) {
+      joined += last.value();
+      last = last.next_sibling();
+    }
+    if (joined.empty()) {
+      text(last.value());
+    } else {
+      text(joined + last.value());
+    }
+    return last;
   }
 
   void writeAttribute(pugi::xml_attribute attribute) {

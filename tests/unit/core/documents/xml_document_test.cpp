@@ -147,6 +147,14 @@ TEST(XmlDocumentWrite, WhatWasAddedReadsBackAsTheSame) {
   }
 }
 
+TEST(XmlDocumentWrite, TextsSideBySideAreOneText) {
+  for (std::string_view const source :
+       {"<a>y<?p i?>&#10;</a>", "<a>y<!-- c -->&#10;</a>", "<a><![CDATA[y]]>&#10;</a>"}) {
+    EXPECT_EQ(rewritten(source), "<a>y\n</a>") << source;
+    EXPECT_EQ(rewritten(rewritten(source)), "<a>y\n</a>") << source;
+  }
+}
+
 TEST(XmlDocumentRead, DropsCommentsAndProcessingInstructions) {
   EXPECT_EQ(rewritten("<?xml version='1.0'?><!-- - < & --><a><?php <x?><!---->t<!--b-->u</a><?z?>"),
             "<a>tu</a>");
