@@ -61,20 +61,22 @@ struct FloorTable {
 
   static constexpr std::size_t kLongestText = 64;
 
-  /// A short text goes into the reference, a longer one into `bytes`.
-  FloorText keep(char const* text, std::size_t length) {
-    FloorText kept;
+  /// Appends to one of the text columns. The reference is made where it stays: one that is made
+  /// elsewhere and copied would have the processor wait for its pieces. `length` is at least 8.
+  void pushText(GrowingArray<FloorText>& column, char const* text, std::size_t length) {
+    FloorText& kept = column[column.size()];
+    column.setSize(column.size() + 1);
     kept.length = static_cast<std::uint32_t>(length);
     if (length <= FloorText::kInPlace) {
-      std::memcpy(kept.content, text, length);
-      return kept;
+      std::memcpy(kept.content, text, 8);
+      std::memcpy(kept.content + length - 4, text + length - 4, 4);
+      return;
     }
     char* const place = bytes->data() + bytes->size();
     std::memcpy(place, text, length);
     bytes->setSize(bytes->size() + length);
     std::memcpy(kept.content, place, 4);
     std::memcpy(kept.content + 4, &place, sizeof place);
-    return kept;
   }
 
   std::size_t rows() const { return number.size(); }

@@ -3,6 +3,7 @@
 #include <sys/mman.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <new>
 #include <utility>
 
@@ -14,31 +15,35 @@ namespace bench {
 template <class T>
 class GrowingArray {
  public:
-  explicit GrowingArray(std::size_t capacity) : bytes_(capacity * sizeof(T) + 1) {
+  explicit GrowingArray(std::size_t capacity) : bytes_(capacity * sizeof(T) + kHugePage) {
     void* const place = mmap(nullptr, bytes_, PROT_READ | PROT_WRITE,
                              MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
     if (place == MAP_FAILED) {
       throw std::bad_alloc();
     }
-    if (bytes_ >= kHugePage) {
-      madvise(place, bytes_, MADV_HUGEPAGE);
+    base_ = place;
+    auto const address = reinterpret_cast<std::uintptr_t>(place);
+    items_ = reinterpret_cast<T*>((address + kHugePage - 1) / kHugePage * kHugePage);
+    if (capacity * sizeof(T) >= kHugePage) {
+      madvise(items_, capacity * sizeof(T), MADV_HUGEPAGE);
     }
-    items_ = static_cast<T*>(place);
   }
 
   GrowingArray(GrowingArray&& other) noexcept
-      : items_(std::exchange(other.items_, nullptr)),
+      : base_(std::exchange(other.base_, nullptr)),
+        items_(std::exchange(other.items_, nullptr)),
         size_(std::exchange(other.size_, 0)),
         bytes_(std::exchange(other.bytes_, 0)) {}
   GrowingArray& operator=(GrowingArray&& other) noexcept {
+    std::swap(base_, other.base_);
     std::swap(items_, other.items_);
     std::swap(size_, other.size_);
     std::swap(bytes_, other.bytes_);
     return *this;
   }
   ~GrowingArray() {
-    if (items_ != nullptr) {
-      munmap(items_, bytes_);
+    if (base_ != nullptr) {
+      munmap(base_, bytes_);
     }
   }
 
@@ -55,9 +60,10 @@ class GrowingArray {
  private:
   static constexpr std::size_t kHugePage = std::size_t{2} << 20;
 
-  T* items_ = nullptr;
+  void* base_ = nullptr;
+  T* items_ = nullptr;  // where the first huge page begins
   std::size_t size_ = 0;
-  std::size_t bytes_ = 0;
+  std::size_t bytes_ = 0;  // of the address space taken
 };
 
 }  // namespace bench

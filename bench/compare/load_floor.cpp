@@ -48,10 +48,9 @@ sqlite3_value* field(sqlite3_stmt* statement, int index) {
   return sqlite3_column_value(statement, index);
 }
 
-FloorText textField(FloorTable& table, sqlite3_stmt* statement, int index) {
-  sqlite3_value* const value = field(statement, index);
+void appendText(FloorTable& table, GrowingArray<FloorText>& column, sqlite3_value* value) {
   auto const* const text = reinterpret_cast<char const*>(sqlite3_value_text(value));
-  return table.keep(text, static_cast<std::size_t>(sqlite3_value_bytes(value)));
+  table.pushText(column, text, static_cast<std::size_t>(sqlite3_value_bytes(value)));
 }
 
 void appendRow(FloorTable& table, sqlite3_stmt* statement) {
@@ -65,8 +64,8 @@ void appendRow(FloorTable& table, sqlite3_stmt* statement) {
   table.amountNulls.push(amountIsNull);
   table.amount.push(amountIsNull ? 0 : sqlite3_value_double(amount));
   table.day.push(secondsFrom(sqlite3_value_text(field(statement, 3))));
-  table.code.push(textField(table, statement, 4));
-  table.description.push(textField(table, statement, 5));
+  appendText(table, table.code, field(statement, 4));
+  appendText(table, table.description, field(statement, 5));
 }
 
 /// Where the client library puts the row that it has read.
@@ -117,8 +116,8 @@ void appendRow(FloorTable& table, MariadbRow const& row) {
   table.amountNulls.push(amountIsNull);
   table.amount.push(amountIsNull ? 0 : row.amount);
   table.day.push(secondsAt(row.day.year, row.day.month, row.day.day));
-  table.code.push(table.keep(row.code, row.length[4]));
-  table.description.push(table.keep(row.description, row.length[5]));
+  table.pushText(table.code, row.code, row.length[4]);
+  table.pushText(table.description, row.description, row.length[5]);
 }
 
 }  // namespace

@@ -77,8 +77,8 @@ FloorTable makeFloorTable(std::size_t rows) {
     table.amount.push(row.amount);
     table.amountNulls.push(row.amountIsNull);
     table.day.push(row.day);
-    table.code.push(table.keep(row.code, sizeof row.code - 1));
-    table.description.push(table.keep(row.description, sizeof row.description - 1));
+    table.pushText(table.code, row.code, sizeof row.code - 1);
+    table.pushText(table.description, row.description, sizeof row.description - 1);
   }
   return table;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstring>
 #include <memory>
@@ -21,7 +22,7 @@ class BlockArena {
       grow(count);
     }
     char* const place = next_;
-    std::memcpy(place, bytes, count);
+    copyBytes(place, bytes, count);
     next_ += count;
     room_ -= count;
     return {place, count};
@@ -31,6 +32,32 @@ class BlockArena {
   void clear();
 
  private:
+  /// Most texts are short, and a call to copy one costs more than the copy: up to 32 bytes are two
+  /// pieces of a fixed size, which overlap.
+  static void copyBytes(char* to, char const* from, std::size_t count) {
+    if (count > 32) {
+      std::memcpy(to, from, count);
+    } else if (count >= 16) {
+      copyEnds<16>(to, from, count);
+    } else if (count >= 8) {
+      copyEnds<8>(to, from, count);
+    } else if (count >= 4) {
+      copyEnds<4>(to, from, count);
+    } else {
+      std::copy_n(from, count, to);
+    }
+  }
+
+  template <std::size_t kPiece>
+  static void copyEnds(char* to, char const* from, std::size_t count) {
+    char head[kPiece];
+    char tail[kPiece];
+    std::memcpy(head, from, kPiece);
+    std::memcpy(tail, from + count - kPiece, kPiece);
+    std::memcpy(to, head, kPiece);
+    std::memcpy(to + count - kPiece, tail, kPiece);
+  }
+
   void grow(std::size_t count);
 
   std::vector<std::unique_ptr<char[]>> pieces_;

@@ -25,33 +25,48 @@ std::string_view kept(BlockArena& arena, std::string_view text) {
   return arena.keep(text.data(), text.size());
 }
 
-/// Copies a row into row number `at` of the block.
-void copyRow(std::vector<MariadbField> const& cells, std::vector<moxFieldBlock>& blocks, int at,
-             BlockArena& arena, std::string& scratch) {
-  for (std::size_t i = 0; i < cells.size(); ++i) {
-    moxFieldBlock& block = blocks[i];
-    if (!block.wanted) {
-      continue;
+/// The way of one field into a block.
+class FieldReader {
+ public:
+  FieldReader(MariadbField const& cell, moxFieldBlock const& block) : cell_(&cell), block_(block) {}
+
+  /// Copies the current value into row number `at`.
+  void read(std::size_t at, BlockArena& arena, std::string& scratch) const {
+    bool const isNull = cell_->isNull != 0;
+    block_.nulls[at] = isNull ? 1 : 0;
+    if (isNull) {
+      return;
     }
-    MariadbField const& cell = cells[i];
-    block.nulls[at] = static_cast<std::uint8_t>(cell.isNull);
-    if (cell.isNull != 0) {
-      continue;
-    }
-    switch (block.readAs) {
+    switch (block_.readAs) {
       case FieldType::kInt:
-        block.ints[at] = readInt32(cell);
+        block_.ints[at] = readInt32(*cell_);
         break;
       case FieldType::kDouble:
-        block.doubles[at] = readDouble(cell);
+        block_.doubles[at] = readDouble(*cell_);
         break;
       case FieldType::kDate:
-        block.dates[at] = readMoment(cell);
+        block_.dates[at] = readMoment(*cell_);
         break;
       default:
-        block.texts[at] = kept(arena, readText(cell, scratch));
+        block_.texts[at] = kept(arena, readText(*cell_, scratch));
     }
   }
+
+ private:
+  MariadbField const* cell_;
+  moxFieldBlock block_;
+};
+
+/// Of the fields that are wanted. The row's places must stay where they are.
+std::vector<FieldReader> readersFor(std::vector<MariadbField> const& cells,
+                                    std::vector<moxFieldBlock> const& blocks) {
+  std::vector<FieldReader> readers;
+  for (std::size_t i = 0; i < cells.size(); ++i) {
+    if (blocks[i].wanted) {
+      readers.emplace_back(cells[i], blocks[i]);
+    }
+  }
+  return readers;
 }
 
 }  // namespace
@@ -214,10 +229,13 @@ bool MariadbStatement::fetchMain() {
 
 int MariadbStatement::fetchBlockMain(std::vector<moxFieldBlock>& fields, int capacity) {
   arena_.clear();
+  auto const readers = readersFor(row_.fields(), fields);
   std::string scratch;
   int rows = 0;
   while (rows < capacity && nextRow()) {
-    copyRow(row_.fields(), fields, rows, arena_, scratch);
+    for (FieldReader const& reader : readers) {
+      reader.read(static_cast<std::size_t>(rows), arena_, scratch);
+    }
     ++rows;
   }
   return rows;

@@ -12,7 +12,6 @@ namespace mox::core {
 namespace {
 
 constexpr double kInt64Limit = 9223372036854775808.0;
-constexpr int kMaxYear = 9999;
 
 bool isDigit(char c) {
   return c >= '0' && c <= '9';
@@ -113,22 +112,6 @@ void appendNumber(std::string& target, Number value) {
 }
 
 }  // namespace
-
-datetime_t momentOf(MYSQL_TIME const& time) {
-  if (time.month == 0 || time.day == 0 || time.year > kMaxYear) {
-    return {};
-  }
-  // Days since 1970-01-01, the year counted from March so that the leap day comes last.
-  std::int64_t const year = std::int64_t{time.year} - (time.month <= 2 ? 1 : 0);
-  std::int64_t const era = (year >= 0 ? year : year - 399) / 400;
-  std::int64_t const yearOfEra = year - era * 400;
-  std::int64_t const dayOfYear =
-      (153 * (std::int64_t{time.month} + (time.month > 2 ? -3 : 9)) + 2) / 5 + time.day - 1;
-  std::int64_t const dayOfEra = yearOfEra * 365 + yearOfEra / 4 - yearOfEra / 100 + dayOfYear;
-  std::int64_t const days = era * 146097 + dayOfEra - 719468;
-  return datetime_t::fromTime_t(days * 86400 + std::int64_t{time.hour} * 3600 +
-                                std::int64_t{time.minute} * 60 + time.second);
-}
 
 std::int64_t readInt64Slow(MariadbField const& field) {
   switch (field.kind) {

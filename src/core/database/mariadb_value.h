@@ -20,9 +20,24 @@ datetime_t readMomentSlow(MariadbField const& field);
 /// The value as text, in `scratch` where it is no text already. Valid until either changes.
 std::string_view readTextSlow(MariadbField const& field, std::string& scratch);
 
-/// Seconds from 1970-01-01 of a moment that the server sent; the zero date and dates with a zero
-/// month or day are empty.
-datetime_t momentOf(MYSQL_TIME const& time);
+/// A moment that the server sent; the zero date and dates with a zero month or day are empty.
+inline datetime_t momentOf(MYSQL_TIME const& time) {
+  constexpr unsigned kMaxYear = 9999;
+  constexpr std::int64_t kDaysBeforeEpoch = 719468 + 146097;
+  if (time.month == 0 || time.day == 0 || time.year > kMaxYear) {
+    return {};
+  }
+  // Days since 1970-01-01, the year counted from March so that the leap day comes last, and from
+  // four centuries before the year 0 so that nothing is below zero.
+  unsigned const isEarly = time.month <= 2 ? 1 : 0;
+  unsigned const year = time.year + 400 - isEarly;
+  unsigned const centuries = year / 100;
+  unsigned const dayOfYear = (153 * (time.month + 12 * isEarly - 3) + 2) / 5 + time.day - 1;
+  unsigned const daysBefore = year * 365 + year / 4 - centuries + centuries / 4;
+  std::int64_t const days = std::int64_t{daysBefore + dayOfYear} - kDaysBeforeEpoch;
+  unsigned const seconds = (time.hour * 60 + time.minute) * 60 + time.second;
+  return datetime_t::fromTime_t(days * 86400 + seconds);
+}
 
 template <class Number>
 Number storedNumber(MariadbField const& field) {

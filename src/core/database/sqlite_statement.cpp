@@ -44,62 +44,123 @@ std::int32_t intOf(sqlite3_value* value) {
   return static_cast<std::int32_t>(sqlite3_value_int64(value));
 }
 
-// Numbers are no dates: nothing tells days, seconds and written-out digits apart.
-datetime_t momentOf(sqlite3_value* value) {
-  if (sqlite3_value_type(value) != SQLITE_TEXT) {
-    return {};
-  }
-  std::string_view const text = textOf(value);
-  if (auto const moment = parseIsoDate(text)) {
-    return *moment;
+datetime_t momentFrom(std::string_view text) {
+  if (datetime_t const moment = isoDateOrEmpty(text)) {
+    return moment;
   }
   return parseDateText(text).value_or(datetime_t());
 }
 
-// A field of a block with its index; only fields that are wanted have one.
-struct FieldReader {
-  int index;
-  moxFieldBlock const* target;
+// Numbers are no dates: nothing tells days, seconds and written-out digits apart.
+datetime_t momentOf(sqlite3_value* value) {
+  return sqlite3_value_type(value) == SQLITE_TEXT ? momentFrom(textOf(value)) : datetime_t();
+}
+
+// The way of one field into a block. The functions that read ask a value as few questions as they
+// can, as every question is a call into SQLite: what a number and a text read as tells most nulls
+// apart from values, and only a 0 or nothing needs the question whether it is one.
+class FieldReader {
+ public:
+  FieldReader(int index, moxFieldBlock const& block)
+      : index_(index), type_(block.readAs), nulls_(block.nulls), place_(placeIn(block)) {}
+
+  int index() const { return index_; }
+
+  void read(sqlite3_value* value, std::size_t row, BlockArena& arena) const {
+    switch (type_) {
+      case FieldType::kInt:
+        return readInt(value, row);
+      case FieldType::kDouble:
+        return readDouble(value, row);
+      case FieldType::kDate:
+        return readMoment(value, row);
+      case FieldType::kText:
+        return readText(value, row, arena);
+      case FieldType::kBlob:
+        return readBlob(value, row, arena);
+    }
+  }
+
+ private:
+  union Place {
+    std::int32_t* ints;
+    double* doubles;
+    datetime_t* dates;
+    std::string_view* texts;
+  };
+
+  static Place placeIn(moxFieldBlock const& block) {
+    switch (block.readAs) {
+      case FieldType::kInt:
+        return {.ints = block.ints};
+      case FieldType::kDouble:
+        return {.doubles = block.doubles};
+      case FieldType::kDate:
+        return {.dates = block.dates};
+      default:
+        return {.texts = block.texts};
+    }
+  }
+
+  /// Notes whether the value is null; true when it is not, and has to be stored.
+  bool isStored(std::size_t row, bool null) const {
+    nulls_[row] = null ? 1 : 0;
+    return !null;
+  }
+
+  void readInt(sqlite3_value* value, std::size_t row) const {
+    std::int32_t const number = intOf(value);
+    if (isStored(row, number == 0 && isNullValue(value))) {
+      place_.ints[row] = number;
+    }
+  }
+
+  void readDouble(sqlite3_value* value, std::size_t row) const {
+    double const number = sqlite3_value_double(value);
+    if (isStored(row, number == 0 && isNullValue(value))) {
+      place_.doubles[row] = number;
+    }
+  }
+
+  void readMoment(sqlite3_value* value, std::size_t row) const {
+    int const type = sqlite3_value_type(value);
+    if (isStored(row, type == SQLITE_NULL)) {
+      place_.dates[row] = type == SQLITE_TEXT ? momentFrom(textOf(value)) : datetime_t();
+    }
+  }
+
+  void readText(sqlite3_value* value, std::size_t row, BlockArena& arena) const {
+    auto const* const text = reinterpret_cast<char const*>(sqlite3_value_text(value));
+    if (text == nullptr && !isNullValue(value)) {
+      throw std::bad_alloc();
+    }
+    if (isStored(row, text == nullptr)) {
+      place_.texts[row] = arena.keep(text, static_cast<std::size_t>(sqlite3_value_bytes(value)));
+    }
+  }
+
+  void readBlob(sqlite3_value* value, std::size_t row, BlockArena& arena) const {
+    if (isStored(row, isNullValue(value))) {
+      std::string_view const bytes = bytesOf(value);
+      place_.texts[row] = arena.keep(bytes.data(), bytes.size());
+    }
+  }
+
+  int index_;
+  FieldType type_;
+  std::uint8_t* nulls_;
+  Place place_;
 };
 
+// Only of the fields that are wanted.
 std::vector<FieldReader> readersFor(std::vector<moxFieldBlock> const& fields) {
   std::vector<FieldReader> readers;
   for (std::size_t i = 0; i < fields.size(); ++i) {
     if (fields[i].wanted) {
-      readers.push_back({static_cast<int>(i), &fields[i]});
+      readers.emplace_back(static_cast<int>(i), fields[i]);
     }
   }
   return readers;
-}
-
-void readCell(moxFieldBlock const& target, sqlite3_value* value, std::size_t row,
-              BlockArena& arena) {
-  bool const null = isNullValue(value);
-  target.nulls[row] = null ? 1 : 0;
-  if (null) {
-    return;
-  }
-  switch (target.readAs) {
-    case FieldType::kInt:
-      target.ints[row] = intOf(value);
-      return;
-    case FieldType::kDouble:
-      target.doubles[row] = sqlite3_value_double(value);
-      return;
-    case FieldType::kDate:
-      target.dates[row] = momentOf(value);
-      return;
-    case FieldType::kText: {
-      std::string_view const text = textOf(value);
-      target.texts[row] = arena.keep(text.data(), text.size());
-      return;
-    }
-    case FieldType::kBlob: {
-      std::string_view const bytes = bytesOf(value);
-      target.texts[row] = arena.keep(bytes.data(), bytes.size());
-      return;
-    }
-  }
 }
 
 std::vector<std::string> fieldNames(sqlite3_stmt* statement) {
@@ -216,7 +277,7 @@ int SqliteStatement::fetchBlockMain(std::vector<moxFieldBlock>& fields, int capa
   int row = 0;
   for (; row < capacity && fetchMain(); ++row) {
     for (FieldReader const& reader : readers) {
-      readCell(*reader.target, valueAt(reader.index), static_cast<std::size_t>(row), arena_);
+      reader.read(valueAt(reader.index()), static_cast<std::size_t>(row), arena_);
     }
   }
   return row;

@@ -14,6 +14,9 @@ namespace mox::core {
 /// Allocates nothing.
 std::optional<datetime_t> parseIsoDate(std::string_view text) noexcept;
 
+/// The same with the empty moment for nothing: for loops over many cells.
+datetime_t isoDateOrEmpty(std::string_view text) noexcept;
+
 /// Reads what MariaDB takes for a date: also parts without leading zeros, any punctuation between
 /// them, two digits of a year (70 to 99 are 19xx), and undivided digits (YYYYMMDD, YYMMDD, with
 /// hhmmss behind). What follows the last part is ignored. Nothing for a day that the calendar has

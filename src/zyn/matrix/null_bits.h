@@ -46,6 +46,12 @@ class NullBits {
     return (words_[row / kBitsPerWord] >> (row % kBitsPerWord)) & 1U;
   }
   void set(std::size_t row) { words_[row / kBitsPerWord] |= maskOf(row); }
+  /// Sets the flags of eight rows from `row`, a multiple of 8, where the mask has a 1, the lowest
+  /// bit telling of the first row. The other flags stay.
+  void setEight(std::size_t row, std::uint8_t mask) {
+    words_[row / kBitsPerWord] |= std::uint64_t{mask} << (row % kBitsPerWord);
+  }
+
   void reset(std::size_t row) { words_[row / kBitsPerWord] &= ~maskOf(row); }
 
   std::size_t size() const { return size_; }

@@ -16,28 +16,13 @@ class TextRef {
   TextRef() = default;
 
   /// `bytes` must outlive the reference when the text is longer than kInlineBytes.
-  TextRef(char const* bytes, std::uint32_t length) : length_(length) {
-    if (length <= kInlineBytes) {
-      if (length != 0) {
-        std::memcpy(content_, bytes, length);
-      }
-      return;
-    }
-    std::memcpy(content_, bytes, kPrefixBytes);
-    std::memcpy(content_ + kPrefixBytes, &bytes, sizeof bytes);
-  }
+  TextRef(char const* bytes, std::uint32_t length)
+      : length_(length), first_(firstBytes(bytes, length)), rest_(restOf(bytes, length)) {}
 
   std::uint32_t size() const { return length_; }
   bool isInline() const { return length_ <= kInlineBytes; }
 
-  char const* data() const {
-    if (isInline()) {
-      return content_;
-    }
-    char const* bytes = nullptr;
-    std::memcpy(&bytes, content_ + kPrefixBytes, sizeof bytes);
-    return bytes;
-  }
+  char const* data() const { return isInline() ? content() : std::bit_cast<char const*>(rest_); }
 
   /// Valid as long as this very reference, and the arena.
   std::string_view view() const { return {data(), length_}; }
@@ -45,9 +30,10 @@ class TextRef {
   /// The first bytes as a number that orders like the bytes do, filled up with zeros: big end
   /// first.
   std::uint32_t prefix() const {
-    std::uint32_t word = 0;
-    std::memcpy(&word, content_, sizeof word);
-    return toBigEnd(word);
+    if constexpr (std::endian::native == std::endian::little) {
+      return __builtin_bswap32(first_);
+    }
+    return first_;
   }
 
   /// Eight bytes from `wordIndex` times eight on, likewise: with zeros past the end.
@@ -55,7 +41,7 @@ class TextRef {
     std::uint64_t bytes = 0;
     std::size_t const start = std::size_t{wordIndex} * sizeof bytes;
     if (isInline() && wordIndex == 0) {
-      std::memcpy(&bytes, content_, sizeof bytes);
+      std::memcpy(&bytes, content(), sizeof bytes);
     } else if (length_ >= start + sizeof bytes) {
       std::memcpy(&bytes, data() + start, sizeof bytes);
     } else if (length_ > start) {
@@ -78,22 +64,53 @@ class TextRef {
   }
 
   friend bool operator==(TextRef const& left, TextRef const& right) {
-    std::uint64_t leftHead = 0;
-    std::uint64_t rightHead = 0;
-    std::memcpy(&leftHead, &left, sizeof leftHead);
-    std::memcpy(&rightHead, &right, sizeof rightHead);
-    return leftHead == rightHead && equalBehindHead(left, right);
+    if (left.length_ != right.length_ || left.first_ != right.first_) {
+      return false;
+    }
+    return left.rest_ == right.rest_ ||
+           (!left.isInline() && std::memcmp(left.data(), right.data(), left.length_) == 0);
   }
 
  private:
   static constexpr std::size_t kPrefixBytes = 4;
 
-  static std::uint32_t toBigEnd(std::uint32_t word) {
-    if constexpr (std::endian::native == std::endian::little) {
-      return __builtin_bswap32(word);
-    }
+  template <class Word>
+  static Word load(char const* bytes, std::size_t count = sizeof(Word)) {
+    Word word = 0;
+    std::memcpy(&word, bytes, count);
     return word;
   }
+
+  static std::uint32_t firstBytes(char const* bytes, std::uint32_t length) {
+    if (length >= kPrefixBytes) {
+      return load<std::uint32_t>(bytes);
+    }
+    char padded[kPrefixBytes] = {};
+    for (std::uint32_t i = 0; i < length; ++i) {
+      padded[i] = bytes[i];
+    }
+    return load<std::uint32_t>(padded);
+  }
+
+  /// What stands behind the first bytes: the other bytes of a short text, or where a long one is.
+  /// Bytes are loaded by fixed sizes, from the text's end, as copying a few bytes by their number
+  /// takes a call.
+  static std::uint64_t restOf(char const* bytes, std::uint32_t length) {
+    if (length > kInlineBytes) {
+      return std::bit_cast<std::uint64_t>(bytes);
+    }
+    if (length <= kPrefixBytes) {
+      return 0;
+    }
+    if constexpr (std::endian::native == std::endian::little) {
+      return length >= 8 ? load<std::uint64_t>(bytes + length - 8) >> (8 * (kInlineBytes - length))
+                         : load<std::uint32_t>(bytes + length - 4) >> (8 * (8 - length));
+    }
+    return load<std::uint64_t>(bytes + kPrefixBytes, length - kPrefixBytes);
+  }
+
+  /// The bytes of a short text, which fill the two fields one after the other.
+  char const* content() const { return reinterpret_cast<char const*>(this) + sizeof length_; }
 
   static int compareWhole(TextRef const& left, TextRef const& right) {
     int const order = std::memcmp(left.data(), right.data(), std::min(left.length_, right.length_));
@@ -103,16 +120,11 @@ class TextRef {
     return left.length_ < right.length_ ? -1 : static_cast<int>(left.length_ > right.length_);
   }
 
-  /// Length and prefix are known to be equal.
-  static bool equalBehindHead(TextRef const& left, TextRef const& right) {
-    if (left.isInline()) {
-      return std::memcmp(left.content_, right.content_, kInlineBytes) == 0;
-    }
-    return std::memcmp(left.data(), right.data(), left.length_) == 0;
-  }
-
+  // Numbers rather than an array of bytes: those stay in registers while a reference is made and
+  // handed on, where bytes would be written to memory and read back at once. Unused bytes are zero.
   std::uint32_t length_ = 0;
-  char content_[kInlineBytes] = {};  // unused bytes are zero
+  std::uint32_t first_ = 0;  // the first bytes, as they stand in memory
+  std::uint64_t rest_ = 0;   // as restOf
 };
 
-static_assert(sizeof(TextRef) == 16);
+static_assert(sizeof(TextRef) == 16 && sizeof(char const*) == sizeof(std::uint64_t));

@@ -1,6 +1,8 @@
 #include "zyn/sql/block_fetch.h"
 
+#include <algorithm>
 #include <array>
+#include <bit>
 #include <cstdint>
 #include <cstring>
 #include <new>
@@ -24,18 +26,30 @@ using FieldType = moxDatabaseConnection::FieldType;
 using NullBytes = std::array<std::uint8_t, kBlockRows>;
 using BlobPointer = std::shared_ptr<moxReadBlob>;
 
-/// Adds `rows` flags. Eight rows without a null, the most common by far, cost one comparison.
+/// The lowest bit of each of eight bytes, which are 0 or 1, as one byte: the multiplication moves
+/// each bit to its place in the highest byte, and no two of its products meet.
+std::uint8_t bitsOf(std::uint8_t const* bytes) {
+  static_assert(std::endian::native == std::endian::little);
+  constexpr std::uint64_t kSpread = 0x0102040810204080;
+  std::uint64_t eight = 0;
+  std::memcpy(&eight, bytes, sizeof eight);
+  return static_cast<std::uint8_t>(eight * kSpread >> 56U);
+}
+
+/// Adds `rows` flags, of which the last up to seven are asked one by one. Columns that are filled
+/// by blocks alone have a multiple of eight rows before.
 void appendNulls(NullBits& bits, NullBytes const& bytes, std::size_t rows) {
-  static_assert(kBlockRows % sizeof(std::uint64_t) == 0);
   std::size_t const start = bits.size();
   bits.pushValid(rows);
-  for (std::size_t group = 0; group < rows; group += sizeof(std::uint64_t)) {
-    std::uint64_t eight = 0;
-    std::memcpy(&eight, bytes.data() + group, sizeof eight);
-    for (std::size_t row = group; eight != 0 && row < rows; ++row, eight >>= 8U) {
-      if ((eight & 0xFFU) != 0) {
-        bits.set(start + row);
-      }
+  std::size_t row = 0;
+  if (start % 8 == 0) {
+    for (; row + 8 <= rows; row += 8) {
+      bits.setEight(start + row, bitsOf(bytes.data() + row));
+    }
+  }
+  for (; row < rows; ++row) {
+    if (bytes[row] != 0) {
+      bits.set(start + row);
     }
   }
 }
@@ -46,12 +60,14 @@ void appendNulls(NullBits& bits, NullBytes const& bytes, std::size_t rows) {
 template <class Array>
 void growFor(Array& cells, std::size_t rows) {
   constexpr std::size_t kLargeBytes = std::size_t{1} << 20;
+  constexpr std::size_t kLeastRoom = std::size_t{64} << 20;  // bytes; holds most results whole
   constexpr std::size_t kGrowth = 8;
-  if (rows <= cells.capacity() || cells.size() * sizeof(cells[0]) < kLargeBytes) {
+  constexpr std::size_t kCellBytes = sizeof(cells[0]);
+  if (rows <= cells.capacity() || cells.size() * kCellBytes < kLargeBytes) {
     return;  // enough room, or the array grows by itself
   }
   try {
-    cells.reserve(kGrowth * cells.size());
+    cells.reserve(std::max(kGrowth * cells.size(), kLeastRoom / kCellBytes));
   } catch (std::bad_alloc const&) {
     cells.reserve(rows + cells.size() / 2);  // address space is short
   }

@@ -34,6 +34,17 @@ TEST(NullBits, KeepsWhatWasPushed) {
   }
 }
 
+TEST(NullBits, SetEightSetsTheRowsOfTheMaskAndLeavesTheOthers) {
+  NullBits bits = bitsOf(200);
+
+  bits.setEight(120, 0b10000110);
+
+  for (std::size_t row = 0; row < 200; ++row) {
+    bool const isMasked = row == 121 || row == 122 || row == 127;
+    ASSERT_EQ(bits.test(row), everyThird(row) || isMasked) << row;
+  }
+}
+
 TEST(NullBits, SetAndResetTouchOneRow) {
   NullBits bits = bitsOf(200);
 

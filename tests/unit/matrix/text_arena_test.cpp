@@ -20,6 +20,19 @@ TEST(TextArena, BytesStayWhereTheyWereWrittenWhileItGrows) {
   }
 }
 
+TEST(TextArena, CopiesTextsOfEveryLengthWhole) {
+  TextArena arena;
+  std::string const letters = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ";
+
+  for (std::size_t length = 0; length <= letters.size(); ++length) {
+    char const* const place = arena.store(letters.substr(0, length));
+    char const* const next = arena.store("#");
+
+    ASSERT_EQ(std::string_view(place, length), letters.substr(0, length));
+    ASSERT_EQ(*next, '#');
+  }
+}
+
 TEST(TextArena, TakesTextsLargerThanAnyChunk) {
   TextArena arena;
   std::string const large(5 << 20, 'x');

@@ -22,6 +22,17 @@ TEST(BlockArena, KeepsEveryTextUntilItIsCleared) {
   }
 }
 
+TEST(BlockArena, CopiesTextsOfEveryLengthWhole) {
+  std::string const letters = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ";
+  BlockArena arena;
+  for (std::size_t length = 0; length <= letters.size(); ++length) {
+    auto const text = arena.keep(letters.data(), length);
+    auto const next = arena.keep("#", 1);
+    ASSERT_EQ(text, letters.substr(0, length));
+    ASSERT_EQ(next, "#");
+  }
+}
+
 TEST(BlockArena, TakesTextsLargerThanAllItKeeps) {
   BlockArena arena;
   std::string const small = "abc";
