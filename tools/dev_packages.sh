@@ -14,7 +14,7 @@ packages_for() {
       ;;
     lint) echo clang-format-14 clang-tidy-14 shellcheck python3 git ;;
     coverage) echo gcovr ;;
-    bench) echo libbenchmark-dev python3-pandas nodejs npm ;;
+    bench) echo libbenchmark-dev python3-pandas python3-mysqldb nodejs npm ;;
     fuzz) echo clang-14 libclang-rt-14-dev ;;
   esac
 }

@@ -37,47 +37,73 @@ std::int64_t weightOf(std::size_t row) {
   return static_cast<std::int64_t>(row) % kModulus + 1;
 }
 
-void addRow(CheckSums& sums, FloorTable const& table, std::size_t row) {
-  std::int64_t const description = numberInDescription(table, row);
-  std::int64_t const code = numberInCode(table, row);
-  std::int64_t const rating = table.ratingNulls.test(row) ? 0 : table.rating[row];
-  sums["number"] += table.number[row];
-  sums["rating"] += rating;
-  sums["rating_nulls"] += table.ratingNulls.test(row) ? 1 : 0;
-  sums["cents"] += table.amountNulls.test(row) ? 0 : centsAt(table, row);
-  sums["amount_nulls"] += table.amountNulls.test(row) ? 1 : 0;
-  sums["days"] += table.day[row] / kSecondsPerDay;
-  sums["code"] += code;
-  sums["description"] += description;
-  sums["whole"] += product(description, table.number[row] + code + rating);
-}
+struct Content {
+  std::int64_t number = 0;
+  std::int64_t rating = 0;
+  std::int64_t ratingNulls = 0;
+  std::int64_t cents = 0;
+  std::int64_t amountNulls = 0;
+  std::int64_t days = 0;
+  std::int64_t code = 0;
+  std::int64_t description = 0;
+  std::int64_t whole = 0;
+
+  void add(FloorTable const& table, std::size_t row) {
+    std::int64_t const rowDescription = numberInDescription(table, row);
+    std::int64_t const rowCode = numberInCode(table, row);
+    std::int64_t const rowRating = table.ratingNulls.test(row) ? 0 : table.rating[row];
+    number += table.number[row];
+    rating += rowRating;
+    ratingNulls += table.ratingNulls.test(row) ? 1 : 0;
+    cents += table.amountNulls.test(row) ? 0 : centsAt(table, row);
+    amountNulls += table.amountNulls.test(row) ? 1 : 0;
+    days += table.day[row] / kSecondsPerDay;
+    code += rowCode;
+    description += rowDescription;
+    whole += product(rowDescription, table.number[row] + rowCode + rowRating);
+  }
+};
 
 }  // namespace
 
 CheckSums contentSums(FloorTable const& table) {
-  CheckSums sums;
+  Content content;
   for (std::size_t row = 0; row < table.rows(); ++row) {
-    addRow(sums, table, row);
+    content.add(table, row);
   }
-  sums["rows"] = static_cast<std::int64_t>(table.rows());
-  return sums;
+  return {{"rows", static_cast<std::int64_t>(table.rows())},
+          {"number", content.number},
+          {"rating", content.rating},
+          {"rating_nulls", content.ratingNulls},
+          {"cents", content.cents},
+          {"amount_nulls", content.amountNulls},
+          {"days", content.days},
+          {"code", content.code},
+          {"description", content.description},
+          {"whole", content.whole}};
 }
 
 CheckSums sumsSortedByNumbers(FloorTable const& table) {
-  CheckSums sums = contentSums(table);
+  std::int64_t numbers = 0;
+  std::int64_t amounts = 0;
   for (std::size_t row = 0; row < table.rows(); ++row) {
     std::int64_t const cents = table.amountNulls.test(row) ? 0 : centsAt(table, row);
-    sums["order"] += weightOf(row) * (table.number[row] % kModulus);
-    sums["order2"] += weightOf(row) * (cents % kModulus);
+    numbers += weightOf(row) * (table.number[row] % kModulus);
+    amounts += weightOf(row) * (cents % kModulus);
   }
+  CheckSums sums = contentSums(table);
+  sums["order"] = numbers;
+  sums["order2"] = amounts;
   return sums;
 }
 
 CheckSums sumsSortedByCode(FloorTable const& table) {
-  CheckSums sums = contentSums(table);
+  std::int64_t codes = 0;
   for (std::size_t row = 0; row < table.rows(); ++row) {
-    sums["order"] += weightOf(row) * (numberInCode(table, row) % kModulus);
+    codes += weightOf(row) * (numberInCode(table, row) % kModulus);
   }
+  CheckSums sums = contentSums(table);
+  sums["order"] = codes;
   return sums;
 }
 
