@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <stdexcept>
 #include <thread>
 
@@ -28,7 +29,16 @@ std::string runScript(std::string const& arguments) {
   return first.substr(0, first.find('\n'));
 }
 
-/// Whether a process is there, and not only its number that nobody has asked for yet.
+/// How many threads of a process are there; a process that ended has its first one only.
+std::ptrdiff_t threadsOf(::pid_t process) {
+  std::error_code gone;
+  std::filesystem::directory_iterator const threads("/proc/" + std::to_string(process) + "/task",
+                                                    gone);
+  return gone ? 0 : std::distance(begin(threads), end(threads));
+}
+
+/// Whether a process is there, and not only its number that nobody has asked for yet. While a
+/// thread of it is left, its files are open, and its socket still takes connections.
 bool isRunning(::pid_t process) {
   std::ifstream status("/proc/" + std::to_string(process) + "/stat");
   std::string line;
@@ -36,7 +46,7 @@ bool isRunning(::pid_t process) {
     return false;
   }
   std::size_t const nameEnd = line.rfind(") ");
-  return nameEnd != std::string::npos && line[nameEnd + 2] != 'Z';
+  return nameEnd != std::string::npos && (line[nameEnd + 2] != 'Z' || threadsOf(process) > 1);
 }
 
 }  // namespace
