@@ -29,7 +29,15 @@ ALLOWED_INCLUDES = {
     "src/cli/": ("mox/core/", "mox/zyn/", "core/", "cli/"),
 }
 # Inside the module, who may use another subsystem's implementation: the engines share the column store.
-MODULE_IMPLEMENTATIONS = {"frame": None, "matrix": {"matrix", "sql"}, "sql": {"sql", "matrix"}, "items": {"items"}, "format": {"format"}}
+MODULE_IMPLEMENTATIONS = {
+    "frame": None,
+    "matrix": {"matrix", "sql"},
+    "sql": {"sql", "matrix"},
+    "items": {"items"},
+    "format": {"format", "frame"},
+    "filters": {"filters", "frame", "items"},
+    "datasources": {"datasources", "frame", "items"},
+}
 
 INCLUDE = re.compile(r'^\s*#include\s+"([^"]+)"', re.M)
 LINK = re.compile(r"\[[^\]]*\]\(([^)#\s]+)(?:#[^)]*)?\)")

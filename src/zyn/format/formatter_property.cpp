@@ -8,7 +8,7 @@
 #include "mox/zyn/format/generic_formatter.h"
 #include "mox/zyn/items/formatter_zyn_item.h"
 #include "mox/zyn/items/zyn_cache.h"
-#include "zyn/format/registered.h"
+#include "zyn/frame/registered.h"
 
 namespace {
 

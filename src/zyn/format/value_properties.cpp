@@ -7,7 +7,7 @@
 #include "mox/core/xml.h"
 #include "mox/zyn/format/decimal_formatter.h"
 #include "mox/zyn/format/integral_formatter.h"
-#include "zyn/format/registered.h"
+#include "zyn/frame/registered.h"
 
 namespace {
 
