@@ -40,6 +40,7 @@ elseif(MOX_SANITIZE)
 endif()
 
 if(MOX_COVERAGE)
-  add_compile_options(--coverage -O0)
+  # Counted atomically: tests with threads would otherwise lose counts and even make them negative.
+  add_compile_options(--coverage -O0 -fprofile-update=atomic)
   add_link_options(--coverage)
 endif()
