@@ -59,7 +59,8 @@ need_packages() {
   if ! { as_root apt-get -q update && as_root env DEBIAN_FRONTEND=noninteractive \
     apt-get -q -y --no-install-recommends install $missing; } >"$install_log" 2>&1; then
     tail -n 20 "$install_log" >&2
-    echo "./dev: the packages could not be installed; the whole output is in $install_log" >&2
+    echo "./dev: the packages could not be installed; the whole output is in $install_log. As root, run:" >&2
+    echo "  apt-get install $missing" >&2
     exit 1
   fi
 }
