@@ -19,7 +19,12 @@ packages_for() {
   esac
 }
 
+# Node.js often comes from elsewhere, with an npm of its own that Debian's package would fight with.
 is_installed() {
+  case $1 in
+    nodejs) command -v node >/dev/null && return ;;
+    npm) command -v npm >/dev/null && return ;;
+  esac
   [ "$(dpkg-query -W -f '${db:Status-Abbrev}' "$1" 2>/dev/null)" = "ii " ]
 }
 
