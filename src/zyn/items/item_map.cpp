@@ -1,13 +1,12 @@
 #include "zyn/items/item_map.h"
 
 #include <unordered_set>
+#include <utility>
 
 #include "mox/core/application.h"
 #include "mox/core/session.h"
 #include "mox/core/type_service.h"
 #include "mox/zyn/frame/plugin_entry.h"
-
-namespace item_map {
 
 namespace {
 
@@ -18,8 +17,51 @@ bool currentSessionMayUse(moxZYNItem const& item) {
 
 }  // namespace
 
-void enter(std::shared_ptr<moxZYNItem> const& item, std::string const& library,
-           std::function<void(std::string const& key)> const& enter) {
+ItemMap::ItemMap(moxZYNItemMap items) : ordered_(std::move(items)) {
+  byDescription_.reserve(ordered_.size());
+  for (auto& [description, entry] : ordered_) {
+    byDescription_.emplace(description, &entry);
+  }
+}
+
+ItemMap::Items& ItemMap::entry(std::string const& description) {
+  auto const [place, isNew] = ordered_.try_emplace(description);
+  if (isNew) {
+    byDescription_.emplace(place->first, &place->second);
+  }
+  return place->second;
+}
+
+std::shared_ptr<moxZYNItem> ItemMap::find(std::string_view description) const {
+  auto const entry = byDescription_.find(description);
+  if (entry == byDescription_.end()) {
+    return {};
+  }
+  for (auto const& item : *entry->second) {
+    if (item && currentSessionMayUse(*item)) {
+      return item;
+    }
+  }
+  return {};
+}
+
+std::vector<std::shared_ptr<moxZYNItem const>> ItemMap::ofType(std::type_info const& type) const {
+  auto const& types = moxApp->typeService();
+  std::vector<std::shared_ptr<moxZYNItem const>> found;
+  std::unordered_set<moxZYNItem const*> seen;
+  for (auto const& entry : ordered_) {
+    for (auto const& item : entry.second) {
+      moxZYNItem const* const object = item.get();
+      if (types.isDerivedFrom(typeid(*object), type) && seen.insert(object).second) {
+        found.push_back(item);
+      }
+    }
+  }
+  return found;
+}
+
+void enterItem(std::shared_ptr<moxZYNItem> const& item, std::string const& library,
+               std::function<void(std::string const& key)> const& enter) {
   auto const related = item->getZynItemRelated();
   std::string const own = item->description();
   item->setParentLibraryName(library);
@@ -33,34 +75,3 @@ void enter(std::shared_ptr<moxZYNItem> const& item, std::string const& library,
   }
   enter(own);
 }
-
-std::shared_ptr<moxZYNItem> find(moxZYNItemMap const& map, std::string const& description) {
-  auto const entry = map.find(description);
-  if (entry == map.end()) {
-    return {};
-  }
-  for (auto const& item : entry->second) {
-    if (item && currentSessionMayUse(*item)) {
-      return item;
-    }
-  }
-  return {};
-}
-
-std::vector<std::shared_ptr<moxZYNItem const>> ofType(moxZYNItemMap const& map,
-                                                      std::type_info const& type) {
-  auto const& types = moxApp->typeService();
-  std::vector<std::shared_ptr<moxZYNItem const>> found;
-  std::unordered_set<moxZYNItem const*> seen;
-  for (auto const& entry : map) {
-    for (auto const& item : entry.second) {
-      moxZYNItem const* const object = item.get();
-      if (types.isDerivedFrom(typeid(*object), type) && seen.insert(object).second) {
-        found.push_back(item);
-      }
-    }
-  }
-  return found;
-}
-
-}  // namespace item_map

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <memory>
+#include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -87,5 +89,30 @@ class moxSortableTypedCollectionImplementation : public moxTypedCollectionImplem
       throw moxDefaultErrorImpl<moxError>("Original doesn't belong to collection.");
     }
     *found = std::move(item);
+  }
+};
+
+/// The same, with `Name` giving an object's name.
+template <class T, class Owner, std::string (T::*Name)() const>
+class moxNamedSortableTypedCollectionImplementation
+    : public moxSortableTypedCollectionImplementation<T, Owner>,
+      public virtual moxNamedSortableTypedCollection<T> {
+ public:
+  using moxSortableTypedCollectionImplementation<T,
+                                                 Owner>::moxSortableTypedCollectionImplementation;
+
+  std::shared_ptr<T> findByName(std::string_view name) override { return firstNamed(name); }
+  std::shared_ptr<T const> findByName(std::string_view name) const override {
+    return firstNamed(name);
+  }
+
+ private:
+  std::shared_ptr<T> firstNamed(std::string_view name) const {
+    for (auto const& item : this->all()) {
+      if (item && (item.get()->*Name)() == name) {
+        return item;
+      }
+    }
+    return {};
   }
 };

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <memory>
 #include <string>
 #include <typeinfo>
@@ -7,6 +8,7 @@
 
 #include "mox/zyn/items/zyn_cache.h"
 #include "mox/zyn/items/zyn_load_report.h"
+#include "zyn/items/item_map.h"
 
 class zynCache final : public moxZYNCache, public moxZYNLoadReport {
  public:
@@ -21,7 +23,9 @@ class zynCache final : public moxZYNCache, public moxZYNLoadReport {
 
  private:
   std::shared_ptr<moxZYNSessionCache> sessionCache() const;
+  ItemMap& ownItems();
 
-  moxZYNItemMap items_;
+  std::shared_ptr<ItemMap> items_ = std::make_shared<ItemMap>();
+  mutable std::atomic<bool> lent_ = false;  // sessions read items_, so that it must not change
   std::vector<moxZYNSkippedElement> skipped_;
 };

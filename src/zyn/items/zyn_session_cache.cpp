@@ -6,7 +6,6 @@
 #include "mox/core/session.h"
 #include "mox/zyn/frame/plugin_entry.h"
 #include "mox/zyn/items/zyn_collection.h"
-#include "zyn/items/item_map.h"
 
 void zynSessionCache::appendCollection(std::shared_ptr<moxZYNCollection> collection) {
   if (!collection || moxSession == nullptr) {
@@ -20,32 +19,37 @@ void zynSessionCache::appendCollection(std::shared_ptr<moxZYNCollection> collect
   std::lock_guard const lock(mutex_);
   for (auto const& item : collection->items().get()) {
     if (item) {
-      item_map::enter(item, library, [&](std::string const& key) { put(key, item); });
+      enterItem(item, library, [&](std::string const& key) { put(key, item); });
     }
   }
 }
 
 std::shared_ptr<moxZYNItem> zynSessionCache::getCollection(std::string const& description) {
   std::lock_guard const lock(mutex_);
-  return item_map::find(items_, description);
+  return items_->find(description);
 }
 
 std::vector<std::shared_ptr<moxZYNItem const>> zynSessionCache::getItemsByType(
     std::type_info const& type) {
   std::lock_guard const lock(mutex_);
-  return item_map::ofType(items_, type);
+  return items_->ofType(type);
 }
 
 void zynSessionCache::clear() {
   std::lock_guard const lock(mutex_);
-  items_.clear();
+  items_ = std::make_shared<ItemMap const>();
+  own_.reset();
   appended_.clear();
 }
 
 void zynSessionCache::setItems(moxZYNItemMap const& items) {
+  borrowItems(std::make_shared<ItemMap const>(items));
+}
+
+void zynSessionCache::borrowItems(std::shared_ptr<ItemMap const> items) {
   std::lock_guard const lock(mutex_);
-  if (items_.empty()) {
-    items_ = items;
+  if (items_->empty()) {
+    items_ = std::move(items);
   }
 }
 
@@ -58,12 +62,20 @@ void zynSessionCache::seed() {
 }
 
 void zynSessionCache::put(std::string const& key, std::shared_ptr<moxZYNItem> const& item) {
-  auto const visible = item_map::find(items_, key);
-  auto& entry = items_[key];
+  auto const visible = items_->find(key);
+  auto& entry = ownItems().entry(key);
   if (visible) {
     *std::find(entry.begin(), entry.end(), visible) = item;
   } else {
     entry.push_back(item);
   }
   appended_[key].push_back(item);
+}
+
+ItemMap& zynSessionCache::ownItems() {
+  if (!own_) {
+    own_ = std::make_shared<ItemMap>(*items_);
+    items_ = own_;
+  }
+  return *own_;
 }

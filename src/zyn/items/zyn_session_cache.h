@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "mox/zyn/items/zyn_cache.h"
+#include "zyn/items/item_map.h"
 
 /// Several threads may work for one session: everything in here is guarded by one mutex.
 class zynSessionCache final : public moxZYNSessionCache {
@@ -19,11 +20,17 @@ class zynSessionCache final : public moxZYNSessionCache {
   void clear() override;
   void setItems(moxZYNItemMap const& items) override;
 
+  /// As setItems without a copy: nobody changes a map that was lent, so that thousands of sessions
+  /// read one.
+  void borrowItems(std::shared_ptr<ItemMap const> items);
+
  private:
   void seed();
   void put(std::string const& key, std::shared_ptr<moxZYNItem> const& item);
+  ItemMap& ownItems();
 
   std::mutex mutex_;
-  moxZYNItemMap items_;
-  moxZYNItemMap appended_;  // those that the session brought itself
+  std::shared_ptr<ItemMap const> items_ = std::make_shared<ItemMap const>();
+  std::shared_ptr<ItemMap> own_;  // items_, once the session has some of its own
+  moxZYNItemMap appended_;        // those that the session brought itself
 };

@@ -18,6 +18,16 @@ struct Owner {
 
 using List = moxSortableTypedCollectionImplementation<int, Owner>;
 
+struct Named {
+  std::string title() const { return text; }
+
+  std::string text;
+};
+
+struct NamedOwner {};
+
+using NamedList = moxNamedSortableTypedCollectionImplementation<Named, NamedOwner, &Named::title>;
+
 std::string textOf(List& list) {
   std::string text;
   for (auto const& item : list.get()) {
@@ -142,4 +152,17 @@ TEST_F(TypedCollection, MovesEqualTakingOutAndPuttingIn) {
     }
     ASSERT_EQ(list_.get(), plain) << "round " << round;
   }
+}
+
+TEST(NamedTypedCollection, FindsTheFirstOfAName) {
+  NamedList list;
+  auto const first = std::make_shared<Named>(Named{"b"});
+  list.add(std::make_shared<Named>(Named{"a"}));
+  list.append(nullptr);
+  list.add(first);
+  list.add(std::make_shared<Named>(Named{"b"}));
+  EXPECT_EQ(list.findByName("b"), first);
+  EXPECT_EQ(std::as_const(list).findByName("b"), first);
+  EXPECT_EQ(list.findByName("B"), nullptr);
+  EXPECT_EQ(NamedList().findByName(""), nullptr);
 }

@@ -121,3 +121,14 @@ TEST_F(ZynSessionCache, ASeededSessionKeepsItsCopyWhenTheMainCacheIsCleared) {
   host_.logIn({.id = 2});
   EXPECT_EQ(libraryOf("a"), "none");
 }
+
+TEST_F(ZynSessionCache, AnAppendedItemIsNotSeenByASessionThatBorrowsTheSameMap) {
+  auto const reader = host_.logIn({.id = 1});
+  EXPECT_EQ(libraryOf("a"), "UM");
+  host_.logOut();
+  auto const writer = host_.logIn({.id = 2});
+  own()->appendCollection(collection("<moxTestItem name=\"a\"/>", "MINHA"));
+  EXPECT_EQ(libraryOf("a"), "MINHA");
+  host_.logOut();
+  EXPECT_EQ(libraryOf("a"), "UM");
+}

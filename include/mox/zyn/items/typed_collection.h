@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <string_view>
 #include <vector>
 
 /// A list of objects that a definition owns. Belongs to whoever owns the definition; it may be read
@@ -33,4 +34,13 @@ class moxSortableTypedCollection : public virtual moxTypedCollection<T> {
   /// you mean add?" for an empty `original`, "Original doesn't belong to collection." for one that
   /// is not in the list, which then stays as it is.
   virtual void replace(std::shared_ptr<T> item, std::shared_ptr<T const> original) = 0;
+};
+
+/// A list whose objects have names, which need not be unique.
+template <class T>
+class moxNamedSortableTypedCollection : public virtual moxSortableTypedCollection<T> {
+ public:
+  /// The first object of exactly that name; empty when there is none.
+  virtual std::shared_ptr<T> findByName(std::string_view name) = 0;
+  virtual std::shared_ptr<T const> findByName(std::string_view name) const = 0;
 };
