@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "mox/core/registry.h"
+#include "zyn/filters/filter_specifications.h"
 #include "zyn/format/date_formatter.h"
 #include "zyn/format/decimal_formatter.h"
 #include "zyn/format/formatter_property.h"
@@ -89,6 +90,21 @@ void registerMatrixOperations(moxPluginRegistry& registry) {
   internal<DataMatrixSorter>(registry, "moxDataMatrixSorter");
 }
 
+void registerFilterSpecifications(moxPluginRegistry& registry) {
+  internal<IntegralUniqueFilter>(registry, "moxIntegralUniqueFilter");
+  internal<IntegralUniqueSQLFilter>(registry, "moxIntegralUniqueSQLFilter");
+  internal<IntegralRangeFilter>(registry, "moxIntegralRangeFilter");
+  internal<IntegralInFilter>(registry, "moxIntegralInFilter");
+  internal<TextUniqueFilter>(registry, "moxTextUniqueFilter");
+  internal<TextRangeFilter>(registry, "moxTextRangeFilter");
+  internal<TextInFilter>(registry, "moxTextInFilter");
+  internal<DoubleUniqueFilter>(registry, "moxDoubleUniqueFilter");
+  internal<DoubleRangeFilter>(registry, "moxDoubleRangeFilter");
+  internal<DoubleInFilter>(registry, "moxDoubleInFilter");
+  internal<DateUniqueFilter>(registry, "moxDateUniqueFilter");
+  internal<DateRangeFilter>(registry, "moxDateRangeFilter");
+}
+
 void registerSearchAndProperties(moxPluginRegistry& registry) {
   internal<PropertiesCollection>(registry, "moxPropertiesCollection");
   internal<FormatterProperty>(registry, "FormatterProperty");
@@ -102,6 +118,7 @@ void registerModuleClasses(moxPluginRegistry& registry) {
   registerFormatting(registry);
   registerSqlLoading(registry);
   registerMatrixOperations(registry);
+  registerFilterSpecifications(registry);
   registerSearchAndProperties(registry);
   registry.registerService(std::make_unique<ZYNCLoaderService>());
 }

@@ -131,6 +131,18 @@ TEST(PluginEntry, ClassesAreRegisteredInTheirOrder) {
                                                          "moxDataMatrixSQLDateUniqueFilter",
                                                          "moxDataMatrixSQLDateRangeFilter",
                                                          "moxDataMatrixSorter",
+                                                         "moxIntegralUniqueFilter",
+                                                         "moxIntegralUniqueSQLFilter",
+                                                         "moxIntegralRangeFilter",
+                                                         "moxIntegralInFilter",
+                                                         "moxTextUniqueFilter",
+                                                         "moxTextRangeFilter",
+                                                         "moxTextInFilter",
+                                                         "moxDoubleUniqueFilter",
+                                                         "moxDoubleRangeFilter",
+                                                         "moxDoubleInFilter",
+                                                         "moxDateUniqueFilter",
+                                                         "moxDateRangeFilter",
                                                          "moxPropertiesCollection",
                                                          "FormatterProperty"}));
 }
