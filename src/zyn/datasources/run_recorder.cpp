@@ -1,0 +1,96 @@
+#include "zyn/datasources/run_recorder.h"
+
+#include <algorithm>
+#include <cassert>
+#include <utility>
+
+#include "mox/zyn/sql/data_matrix_sql_filter.h"
+
+namespace {
+
+std::string quoted(std::string const& name) {
+  return "\"" + name + "\"";
+}
+
+}  // namespace
+
+bool RunRecorder::executes() const {
+  return open_.empty() ? mode_ == Mode::kExecute : open_.back().executes;
+}
+
+void RunRecorder::statement(moxRunStatement statement) {
+  assert(!open_.empty());
+  report_.sources[open_.back().index].statements.push_back(std::move(statement));
+}
+
+void RunRecorder::filterUsed(Filter const& filter) {
+  used_.insert(filter);
+}
+
+void RunRecorder::filterIgnored(Filter const& filter, std::string const& reason) {
+  reasons_.emplace(filter, reason);
+}
+
+void RunRecorder::runStarted(moxRunReport const& units, std::vector<std::string> const& names) {
+  listedNames_.insert(names.begin(), names.end());
+  if (open_.empty()) {
+    report_.units = units.units;
+    report_.unitsFromSession = units.unitsFromSession;
+    report_.headOffice = units.headOffice;
+    report_.headOfficeFromSession = units.headOfficeFromSession;
+  }
+}
+
+void RunRecorder::sourceStarted(std::string const& name, std::string const& executionClass,
+                                bool executes) {
+  bool const executesToo = executes || this->executes();
+  report_.sources.push_back({name, executionClass, executesToo, {}, 0, 0});
+  open_.push_back({report_.sources.size() - 1, executesToo, Clock::now()});
+}
+
+void RunRecorder::sourceFinished(std::int64_t rows) {
+  assert(!open_.empty());
+  auto const& open = open_.back();
+  auto& source = report_.sources[open.index];
+  source.seconds = std::chrono::duration<double>(Clock::now() - open.start).count();
+  source.rows = rows;
+  open_.pop_back();
+}
+
+moxRunReport RunRecorder::report(FiltersBySource const& given) const {
+  auto report = report_;
+  for (auto const& [source, filters] : given) {
+    for (auto const& filter : filters) {
+      if (!used_.contains(filter)) {
+        report.ignoredFilters.push_back(
+            {source, filter->getColumnName(), whyIgnored(source, filter)});
+      }
+    }
+  }
+  return report;
+}
+
+std::string RunRecorder::whyIgnored(std::string const& source, Filter const& filter) const {
+  auto const reason = reasons_.find(filter);
+  return reason != reasons_.end() ? reason->second : whySourceIgnores(source);
+}
+
+std::string RunRecorder::whySourceIgnores(std::string const& source) const {
+  auto const isSource = [&](moxRunSource const& ran) { return ran.name == source; };
+  auto const ran = std::find_if(report_.sources.begin(), report_.sources.end(), isSource);
+  bool const asked = askedNames_.contains(source);
+  if (ran == report_.sources.end()) {
+    if (listedNames_.contains(source)) {
+      return "the run ended before source " + quoted(source);
+    }
+    return asked ? "the filter manager " + quoted(source) + " passes it to no statement"
+                 : "the run has no source " + quoted(source);
+  }
+  if (!ran->statements.empty()) {
+    return "no statement of source " + quoted(source) + " takes it";
+  }
+  if (!ran->executed) {
+    return "source " + quoted(source) + " was not executed";
+  }
+  return "source " + quoted(source) + " has no statement";
+}

@@ -1,0 +1,92 @@
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "mox/zyn/datasources/run_report.h"
+
+class moxDataMatrixSQLFilter;
+
+/// Gathers what a run does, told by the context and by the executions while they work. Made only
+/// when somebody asked for a report; the contexts of groups share the one of the run. Used by the
+/// run's thread.
+class RunRecorder {
+ public:
+  enum class Mode { kExecute, kComposeOnly };
+
+  using Filter = std::shared_ptr<moxDataMatrixSQLFilter const>;
+  using FiltersBySource = std::map<std::string, std::vector<Filter>>;
+
+  explicit RunRecorder(Mode mode) : mode_(mode) {}
+
+  // What the executions tell and ask.
+
+  /// Whether the source at work is to ask the database. Otherwise it puts its statement together,
+  /// records it, and registers an empty matrix.
+  bool executes() const;
+
+  /// A statement of the source at work, recorded before it is executed.
+  void statement(moxRunStatement statement);
+
+  /// The filter is part of a statement, be it as a condition or as a mark's value.
+  void filterUsed(Filter const& filter);
+
+  /// Why a source has no use for a filter, in words for people. Counts only for one that no
+  /// statement uses; the first reason stands.
+  void filterIgnored(Filter const& filter, std::string const& reason);
+
+  // What the contexts tell.
+
+  /// Units and head office of the run, and the names that it will bring. Those of a group's
+  /// context leave the run's own units.
+  void runStarted(moxRunReport const& units, std::vector<std::string> const& names);
+
+  /// A source starts; what the executions tell until the matching sourceFinished belongs to it.
+  /// `executes` is for this source alone: inside one that executes, all do.
+  void sourceStarted(std::string const& name, std::string const& executionClass, bool executes);
+
+  /// `rows` of the matrix that the source at work made.
+  void sourceFinished(std::int64_t rows);
+
+  /// Somebody asked for the filters of that name.
+  void filtersAsked(std::string const& name) { askedNames_.insert(name); }
+
+  /// What happened so far; `given` are the filters that the run's caller gave.
+  moxRunReport report(FiltersBySource const& given) const;
+
+ private:
+  using Clock = std::chrono::steady_clock;
+
+  struct OpenSource {
+    std::size_t index;  // in report_.sources
+    bool executes;
+    Clock::time_point start;
+  };
+
+  std::string whyIgnored(std::string const& source, Filter const& filter) const;
+  std::string whySourceIgnores(std::string const& source) const;
+
+  Mode const mode_;
+  moxRunReport report_;
+  std::vector<OpenSource> open_;  // the innermost last
+  std::set<std::string> listedNames_;
+  std::set<std::string> askedNames_;
+  std::set<Filter> used_;  // shared, so that no address comes up a second time
+  std::map<Filter, std::string> reasons_;
+};
+
+/// A face of the execution context, for executions that take part in a report. Asked for by
+/// dynamic_cast, since a context may be of foreign make.
+class RunRecorderHolder {
+ public:
+  virtual ~RunRecorderHolder() = default;
+
+  /// Null when no report is kept. Lives as long as the context.
+  virtual RunRecorder* runRecorder() const = 0;
+};
