@@ -1,14 +1,17 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <typeinfo>
 
 #include "mox/core/plugin_base.h"
 
-/// What a class asks of whoever uses it. A static record of the module: never owned by its reader.
+/// What a class asks of whoever uses it. A static record of the module, five words long: never
+/// owned by its reader.
 struct moxPluginPermissions {
-  char const* label;  // text for the user, UTF-8, never null
+  char const* label;                // text for the user, UTF-8, never null
+  std::uintptr_t reserved[4] = {};  // all zero; readers pass over them
 };
 
 /// Root of the registry's entries: knows which library brought the class.

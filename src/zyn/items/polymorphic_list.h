@@ -8,6 +8,7 @@
 #include "mox/core/xml.h"
 #include "mox/zyn/frame/plugin_entry.h"
 #include "mox/zyn/items/zyn_load_report.h"
+#include "zyn/items/definition_error.h"
 
 /// Lists of objects of many classes in XML: an element each, named like the registered class. `T`
 /// has name(), load(node) and save(node). Every definition that holds such a list reads and writes
@@ -30,7 +31,7 @@ enum class Reading { kTaken, kRefused, kUnknown };
 
 /// Makes the object of an element. A registered class that is no `T` counts as taken and leaves
 /// `item` empty. Unknown is an element whose class, or a class that it needs in turn, nobody has
-/// registered; `reason` then says which.
+/// registered; `reason` then says which. Other failures pass, with the element in their details.
 template <class T>
 Reading read(std::shared_ptr<moxXMLNode> const& element, std::shared_ptr<T>& item,
              std::string& reason) {
@@ -40,6 +41,8 @@ Reading read(std::shared_ptr<moxXMLNode> const& element, std::shared_ptr<T>& ite
   } catch (moxPluginNotFound const& error) {
     reason = error.errorMessage();
     return Reading::kUnknown;
+  } catch (moxError const& error) {
+    throw ItemFailure(error, *element);
   }
 }
 

@@ -46,7 +46,7 @@ class Labelled final : public moxPluginBase {
 template <>
 struct PluginPermissionsOf<Labelled> {
   static moxPluginPermissions const* get() {
-    static constexpr moxPluginPermissions kPermissions{"Fonte de dados"};
+    static constexpr moxPluginPermissions kPermissions{"Fonte de dados", {}};
     return &kPermissions;
   }
 };

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <array>
+
+#include "mox/core/xml.h"
+#include "mox/zyn/datasources/sql_data_source_column.h"
+
+/// Elements that refer to a column by its four names. Each kind of element has its own order of
+/// attributes, which is part of the format: files are compared byte by byte.
+namespace column_reference {
+
+using Names = moxSQLDataSourceColumn::SQLColum;
+
+struct Attribute {
+  char const* name;
+  std::string Names::*field;
+};
+
+using Order = std::array<Attribute, 4>;
+
+inline constexpr Attribute kTable{"tableName", &Names::tableName};
+inline constexpr Attribute kColumn{"columnName", &Names::columnName};
+inline constexpr Attribute kTableOrigin{"tableNameOrigin", &Names::tableNameOrigin};
+inline constexpr Attribute kColumnOrigin{"columnNameOrigin", &Names::columnNameOrigin};
+
+inline constexpr Order kTableFirst{{kTable, kColumn, kTableOrigin, kColumnOrigin}};
+inline constexpr Order kColumnFirst{{kColumn, kTable, kColumnOrigin, kTableOrigin}};
+inline constexpr Order kOriginFirst{{kColumnOrigin, kTableOrigin, kColumn, kTable}};
+inline constexpr Order kTableOriginFirst{{kTableOrigin, kColumnOrigin, kTable, kColumn}};
+
+inline Names namesOf(moxSQLDataSourceColumn const& column) {
+  return {column.getTableNameOrigin(), column.getColumnNameOrigin(), column.getTableName(),
+          column.getColumnName()};
+}
+
+inline Names read(moxXMLNode const& node) {
+  Names names;
+  for (auto const& attribute : kTableFirst) {
+    names.*attribute.field = node.readAttribute(attribute.name);
+  }
+  return names;
+}
+
+inline void write(moxXMLNode& node, Names const& names, Order const& order) {
+  for (auto const& attribute : order) {
+    node.writeAttribute(attribute.name, names.*attribute.field);
+  }
+}
+
+}  // namespace column_reference

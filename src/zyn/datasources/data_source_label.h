@@ -1,0 +1,32 @@
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+
+#include "zyn/frame/plugin_containers.h"
+
+/// A text that is a template's argument. The argument lives as long as the program, and so do its
+/// bytes.
+template <std::size_t Size>
+struct LabelText {
+  // Implicit, so that a literal can be the argument. NOLINTNEXTLINE(google-explicit-constructor)
+  constexpr LabelText(char const (&text)[Size]) { std::copy_n(text, Size, bytes); }
+
+  char bytes[Size] = {};
+};
+
+/// The permissions of a class whose kind users know by a label.
+template <LabelText Label>
+struct LabelledAs {
+  static moxPluginPermissions const* get() {
+    static constexpr moxPluginPermissions kPermissions{Label.bytes, {}};
+    return &kPermissions;
+  }
+};
+
+// What users call the kinds of sources. To be seen by whoever makes a container of the class.
+
+class SQLDataSource;
+
+template <>
+struct PluginPermissionsOf<SQLDataSource> : LabelledAs<"Consulta SQL"> {};

@@ -1,0 +1,255 @@
+#include "zyn/datasources/sql_data_source_column.h"
+
+#include <algorithm>
+
+#include "mox/core/application.h"
+#include "mox/core/xml.h"
+#include "mox/zyn/format/generic_formatter.h"
+#include "mox/zyn/frame/plugin_entry.h"
+#include "zyn/datasources/column_reference.h"
+#include "zyn/items/xml_attributes.h"
+
+namespace {
+
+constexpr char const* kIcon = "IconColumn";
+constexpr char const* kKey = "refColumn";
+constexpr char const* kFormatters = "Formatters";
+constexpr char const* kVisual = "Visual";
+constexpr char const* kIconFormatter = "Icon";
+constexpr char const* kFiltersType = "FiltersType";
+constexpr char const* kVisualRepresentation = "visualRepresentation";
+constexpr char const* kExpression = "sql";
+constexpr char const* kColumnSourceOrigin = "columnSourceOrigin";
+
+constexpr int kNewColumnWidth = 100;
+
+// Old files hold more than one digit here, of which the first one counts.
+bool readFlag(moxXMLNode const& node, char const* name) {
+  auto const text = node.readAttribute(name);
+  return !text.empty() && text.front() == '1';
+}
+
+std::shared_ptr<moxGenericFormatter> readFormatter(moxXMLNode const& formatters, char const* use) {
+  auto const element = formatters.childByIndex(0, use);
+  if (!element) {
+    return {};
+  }
+  auto formatter = moxApp->get<moxGenericFormatter>(formatters.readAttribute(use));
+  if (formatter) {
+    formatter->load(element);
+  }
+  return formatter;
+}
+
+void writeFormatter(moxXMLNode& formatters, char const* use,
+                    std::shared_ptr<moxGenericFormatter> const& formatter) {
+  if (formatter) {
+    formatters.writeAttribute(use, formatter->name());
+    formatter->save(formatters.addChild(use));
+  }
+}
+
+void writeReference(moxXMLNode& node, char const* element,
+                    std::shared_ptr<moxSQLDataSourceColumn> const& column) {
+  if (column) {
+    column_reference::write(*node.addChild(element), column_reference::namesOf(*column),
+                            column_reference::kTableFirst);
+  }
+}
+
+/// What the database calls differently; empty when it is nothing.
+std::string differingOrigin(moxSQLDataSourceColumn::SQLColum const& names) {
+  bool const table = names.tableNameOrigin != names.tableName && !names.tableNameOrigin.empty();
+  bool const column = names.columnNameOrigin != names.columnName && !names.columnNameOrigin.empty();
+  std::string origin = table ? names.tableNameOrigin : std::string();
+  if (table && column) {
+    origin += '.';
+  }
+  return column ? origin + names.columnNameOrigin : origin;
+}
+
+}  // namespace
+
+void SQLDataSourceColumn::startFrom(FieldInfo const* info) {
+  if (info != nullptr) {
+    names_ = {info->tableName, info->columnName, info->tableAlias, info->name};
+    dbType_ = static_cast<FieldTypes>(info->type);
+    visibleName_ = info->name;
+  }
+  width_ = kNewColumnWidth;
+  visible_ = true;
+  avaliable_ = true;
+}
+
+void SQLDataSourceColumn::releaseReferences() {
+  iconColumn_.reset();
+  idColumn_.reset();
+}
+
+bool SQLDataSourceColumn::Reference::names(moxSQLDataSourceColumn const& other) const {
+  return !isEmpty() && column == other.getColumnName() && table == other.getTableName();
+}
+
+void SQLDataSourceColumn::bindReferences(Column const& column) {
+  if (iconReference_.names(*column)) {
+    iconColumn_ = column;
+  }
+  if (idReference_.names(*column)) {
+    idColumn_ = column;
+  }
+}
+
+std::string SQLDataSourceColumn::getColumnNameFull() const {
+  auto const table = names_.tableName.empty() ? std::string() : names_.tableName + ".";
+  auto const origin = differingOrigin(names_);
+  return table + names_.columnName + (origin.empty() ? origin : " (" + origin + ")");
+}
+
+moxDataMatrixTypes::Types SQLDataSourceColumn::getDataMatrixType() const {
+  switch (dbType_) {
+    case kText:
+      return moxDataMatrixTypes::Text;
+    case kBlob:
+      return moxDataMatrixTypes::Blob;
+    case kDouble:
+      return moxDataMatrixTypes::Double;
+    case kDate:
+      return moxDataMatrixTypes::Date;
+    default:
+      return moxDataMatrixTypes::Int;
+  }
+}
+
+void SQLDataSourceColumn::addAllowedFiltersType(StringPair const& filter) {
+  allowedFiltersType_.push_back(filter);
+}
+
+void SQLDataSourceColumn::removeAllowedFiltersType(StringPair const& filter) {
+  auto const found = std::find(allowedFiltersType_.begin(), allowedFiltersType_.end(), filter);
+  if (found != allowedFiltersType_.end()) {
+    allowedFiltersType_.erase(found);
+  }
+}
+
+bool SQLDataSourceColumn::load(std::shared_ptr<moxXMLNode> node) {
+  if (!node) {
+    return false;
+  }
+  loadAttributes(*node);
+  iconReference_ = readReference(*node, kIcon);
+  idReference_ = readReference(*node, kKey);
+  loadFormatters(*node);
+  loadFiltersType(*node);
+  loadExpression(*node);
+  for (int i = 0; auto const origin = node->childByIndex(i, kColumnSourceOrigin); ++i) {
+    columnOrigin_.push_back(column_reference::read(*origin));
+  }
+  return true;
+}
+
+bool SQLDataSourceColumn::save(std::shared_ptr<moxXMLNode> node) {
+  if (!node) {
+    return false;
+  }
+  saveAttributes(*node);
+  writeReference(*node, kIcon, iconColumn_);
+  writeReference(*node, kKey, idColumn_);
+  saveFormatters(*node);
+  saveFiltersType(*node);
+  saveExpression(*node);
+  for (auto const& origin : columnOrigin_) {
+    column_reference::write(*node->addChild(kColumnSourceOrigin), origin,
+                            column_reference::kTableOriginFirst);
+  }
+  return true;
+}
+
+void SQLDataSourceColumn::loadAttributes(moxXMLNode const& node) {
+  names_ = column_reference::read(node);
+  if (names_.columnName.empty()) {
+    names_.columnName = node.readAttribute("dbName");
+  }
+  visibleName_ = node.readAttribute("VisibleName");
+  width_ = xml_attributes::readInt(node, "ColumnWidth");
+  visible_ = readFlag(node, "Visible");
+  avaliable_ = readFlag(node, "Avaliable");
+  dbType_ = static_cast<FieldTypes>(xml_attributes::readInt(node, "Type"));
+  dataType_ = node.readAttribute("dataType");
+}
+
+void SQLDataSourceColumn::saveAttributes(moxXMLNode& node) const {
+  node.writeAttribute("tableName", names_.tableName);
+  node.writeAttribute("tableNameOrigin", names_.tableNameOrigin);
+  node.writeAttribute("columnName", names_.columnName);
+  node.writeAttribute("columnNameOrigin", names_.columnNameOrigin);
+  node.writeAttribute("VisibleName", visibleName_);
+  xml_attributes::writeInt(node, "ColumnWidth", width_);
+  xml_attributes::writeBool(node, "Visible", visible_);
+  xml_attributes::writeBool(node, "Avaliable", avaliable_);
+  xml_attributes::writeInt(node, "Type", dbType_);
+  if (!dataType_.empty()) {
+    node.writeAttribute("dataType", dataType_);
+  }
+}
+
+/// An element, or in old files an attribute of the same name, which tells no table.
+SQLDataSourceColumn::Reference SQLDataSourceColumn::readReference(moxXMLNode const& node,
+                                                                  char const* element) {
+  if (auto const child = node.childByIndex(0, element)) {
+    return {child->readAttribute("tableName"), child->readAttribute("columnName")};
+  }
+  return {{}, node.readAttribute(element)};
+}
+
+void SQLDataSourceColumn::loadFormatters(moxXMLNode const& node) {
+  if (auto const formatters = node.childByIndex(0, kFormatters)) {
+    formatter_ = readFormatter(*formatters, kVisual);
+    iconFormatter_ = readFormatter(*formatters, kIconFormatter);
+  }
+}
+
+void SQLDataSourceColumn::saveFormatters(moxXMLNode& node) const {
+  if (formatter_ || iconFormatter_) {
+    auto const formatters = node.addChild(kFormatters);
+    writeFormatter(*formatters, kVisual, formatter_);
+    writeFormatter(*formatters, kIconFormatter, iconFormatter_);
+  }
+}
+
+void SQLDataSourceColumn::loadFiltersType(moxXMLNode const& node) {
+  auto const list = node.childByIndex(0, kFiltersType);
+  for (int i = 0; auto const filter = list ? list->childByIndex(i) : nullptr; ++i) {
+    allowedFiltersType_.emplace_back(filter->elementName(),
+                                     filter->readAttribute(kVisualRepresentation));
+  }
+}
+
+void SQLDataSourceColumn::saveFiltersType(moxXMLNode& node) const {
+  if (allowedFiltersType_.empty()) {
+    return;
+  }
+  auto const list = node.addChild(kFiltersType);
+  for (auto const& [filter, visualRepresentation] : allowedFiltersType_) {
+    list->addChild(filter)->writeAttribute(kVisualRepresentation, visualRepresentation);
+  }
+}
+
+void SQLDataSourceColumn::loadExpression(moxXMLNode const& node) {
+  if (auto const expression = node.childByIndex(0, kExpression)) {
+    sqlColumn_ = {expression->readText(), expression->readAttribute("alias")};
+    sqlColumnIndex_ = xml_attributes::readInt(*expression, "index");
+  }
+}
+
+void SQLDataSourceColumn::saveExpression(moxXMLNode& node) const {
+  auto const& [text, alias] = sqlColumn_;
+  if (text.empty()) {
+    return;
+  }
+  auto const expression = node.addChild(kExpression);
+  expression->writeText(text);
+  if (!alias.empty()) {
+    expression->writeAttribute("alias", alias);
+  }
+  xml_attributes::writeInt(*expression, "index", sqlColumnIndex_);
+}

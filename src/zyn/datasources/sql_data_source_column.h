@@ -1,0 +1,135 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "mox/core/database_connection.h"
+#include "mox/zyn/datasources/sql_data_source_column.h"
+
+/// The column of SQL sources and of filter sources, which make it themselves.
+class SQLDataSourceColumn final : public moxSQLDataSourceColumn {
+ public:
+  using FieldInfo = moxDatabaseConnection::FieldInfo;
+  using Column = std::shared_ptr<moxSQLDataSourceColumn>;
+  using Formatter = std::shared_ptr<moxGenericFormatter>;
+  using StringPair = std::pair<std::string, std::string>;
+
+  std::string name() const override { return "moxSQLDataSourceColumn"; }
+
+  void setVisibleName(std::string const& visibleName) override { visibleName_ = visibleName; }
+  void setWidth(int width) override { width_ = width; }
+  void setVisible(bool visible) override { visible_ = visible; }
+  void setIconColumn(Column column) override { iconColumn_ = std::move(column); }
+  std::string getVisibleName() const override { return visibleName_; }
+  int getWidth() const override { return width_; }
+  bool getVisible() const override { return visible_; }
+  Column getIconColumn() const override { return iconColumn_; }
+  FieldTypes getDbType() const override { return dbType_; }
+  void setDbType(FieldTypes type) override { dbType_ = type; }
+  void setFormatter(Formatter formatter) override { formatter_ = std::move(formatter); }
+  void setIconFormatter(Formatter formatter) override { iconFormatter_ = std::move(formatter); }
+  Formatter getFormatter() override { return formatter_; }
+  Formatter getIconFormatter() override { return iconFormatter_; }
+  std::shared_ptr<moxGenericFormatter const> getFormatter() const override { return formatter_; }
+  std::shared_ptr<moxGenericFormatter const> getIconFormatter() const override {
+    return iconFormatter_;
+  }
+  bool save(std::shared_ptr<moxXMLNode> node) override;
+  bool load(std::shared_ptr<moxXMLNode> node) override;
+  void setDataType(std::string const& dataType) override { dataType_ = dataType; }
+  std::string getDataType() const override { return dataType_; }
+  void setIdColumn(Column column) override { idColumn_ = std::move(column); }
+  Column getIdColumn() const override { return idColumn_; }
+  std::string getTableName() const override { return names_.tableName; }
+  std::string getTableNameOrigin() const override { return names_.tableNameOrigin; }
+  std::string getColumnName() const override { return names_.columnName; }
+  std::string getColumnNameOrigin() const override { return names_.columnNameOrigin; }
+  void setTableName(std::string const& tableName) override { names_.tableName = tableName; }
+  void setColumnName(std::string const& columnName) override { names_.columnName = columnName; }
+  std::string getColumnNameFull() const override;
+  moxDataMatrixTypes::Types getDataMatrixType() const override;
+  void addAllowedFiltersType(StringPair const& filter) override;
+  std::vector<StringPair> getAllowedFiltersType() const override { return allowedFiltersType_; }
+  void removeAllowedFiltersType(StringPair const& filter) override;
+  StringPair getSQLColumn() const override { return sqlColumn_; }
+  int getSQLColumnIndex() const override { return sqlColumnIndex_; }
+  void setSQLColumn(StringPair const& expressionAndAlias) override {
+    sqlColumn_ = expressionAndAlias;
+  }
+  void setSQLColumnIndex(int index) override { sqlColumnIndex_ = index; }
+  void setColumnOrigin(std::vector<SQLColum> const& origin) override { columnOrigin_ = origin; }
+  std::vector<SQLColum> getColumnOrigin() const override { return columnOrigin_; }
+  void setAvaliable(bool avaliable) override { avaliable_ = avaliable; }
+  bool getAvaliable() const override { return avaliable_; }
+
+  /// Takes names and type from a field of a query, or none for null, and makes the column visible,
+  /// available and 100 wide: how an editor begins one.
+  void startFrom(FieldInfo const* info);
+
+  /// Binds the icon and key columns that load found named to those of the source, behind whose
+  /// pointer stands anything with columns(). Of several columns of the name the last one counts; a
+  /// name that no column has leaves the reference empty. To be called when all columns are there.
+  template <class SourcePointer>
+  void updateRelations(SourcePointer const& source) {
+    if (iconReference_.isEmpty() && idReference_.isEmpty()) {
+      return;
+    }
+    for (auto const& column : source->columns()) {
+      bindReferences(column);
+    }
+    iconReference_ = {};
+    idReference_ = {};
+  }
+
+  /// Lets go of the icon and key columns, which may refer back and would keep each other alive.
+  void releaseReferences();
+
+  /// The names without a copy, for loops over many columns.
+  bool isCalled(std::string_view table, std::string_view column) const {
+    return names_.columnName == column && names_.tableName == table;
+  }
+  std::string const& columnName() const { return names_.columnName; }
+  StringPair const& sqlColumn() const { return sqlColumn_; }
+
+ private:
+  /// The names of a column that may come later in the document.
+  struct Reference {
+    std::string table;
+    std::string column;
+
+    bool isEmpty() const { return column.empty(); }
+    bool names(moxSQLDataSourceColumn const& other) const;
+  };
+
+  static Reference readReference(moxXMLNode const& node, char const* element);
+  void bindReferences(Column const& column);
+  void loadAttributes(moxXMLNode const& node);
+  void loadFormatters(moxXMLNode const& node);
+  void loadFiltersType(moxXMLNode const& node);
+  void loadExpression(moxXMLNode const& node);
+  void saveAttributes(moxXMLNode& node) const;
+  void saveFormatters(moxXMLNode& node) const;
+  void saveFiltersType(moxXMLNode& node) const;
+  void saveExpression(moxXMLNode& node) const;
+
+  bool visible_ = false;
+  bool avaliable_ = false;
+  int width_ = 0;
+  FieldTypes dbType_ = kUnknown;
+  int sqlColumnIndex_ = 0;
+  std::string visibleName_;
+  std::string dataType_;
+  SQLColum names_;
+  Reference iconReference_;  // from load until updateRelations
+  Reference idReference_;    // as iconReference_
+  std::vector<StringPair> allowedFiltersType_;
+  Column idColumn_;
+  Column iconColumn_;
+  Formatter formatter_;
+  Formatter iconFormatter_;
+  StringPair sqlColumn_;
+  std::vector<SQLColum> columnOrigin_;
+};
