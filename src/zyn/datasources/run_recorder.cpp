@@ -31,7 +31,7 @@ void RunRecorder::filterIgnored(Filter const& filter, std::string const& reason)
   reasons_.emplace(filter, reason);
 }
 
-void RunRecorder::runStarted(moxRunReport const& units, std::vector<std::string> const& names) {
+void RunRecorder::runStarted(RunUnits const& units, std::vector<std::string> const& names) {
   listedNames_.insert(names.begin(), names.end());
   if (open_.empty()) {
     report_.units = units.units;
@@ -48,12 +48,24 @@ void RunRecorder::sourceStarted(std::string const& name, std::string const& exec
   open_.push_back({report_.sources.size() - 1, executesToo, Clock::now()});
 }
 
-void RunRecorder::sourceFinished(std::int64_t rows) {
+void RunRecorder::matrixRegistered(std::string const& name, std::int64_t rows) {
+  if (open_.empty()) {
+    return;
+  }
+  auto& source = report_.sources[open_.back().index];
+  if (source.name.empty()) {
+    source.name = name;
+  }
+  if (source.name == name) {
+    source.rows = rows;
+  }
+}
+
+void RunRecorder::sourceFinished() {
   assert(!open_.empty());
   auto const& open = open_.back();
-  auto& source = report_.sources[open.index];
-  source.seconds = std::chrono::duration<double>(Clock::now() - open.start).count();
-  source.rows = rows;
+  report_.sources[open.index].seconds =
+      std::chrono::duration<double>(Clock::now() - open.start).count();
   open_.pop_back();
 }
 
@@ -83,14 +95,11 @@ std::string RunRecorder::whySourceIgnores(std::string const& source) const {
     if (listedNames_.contains(source)) {
       return "the run ended before source " + quoted(source);
     }
-    return asked ? "the filter manager " + quoted(source) + " passes it to no statement"
+    return asked ? "filter manager " + quoted(source) + " passes it to no statement"
                  : "the run has no source " + quoted(source);
   }
-  if (!ran->statements.empty()) {
+  if (asked || !ran->statements.empty()) {
     return "no statement of source " + quoted(source) + " takes it";
   }
-  if (!ran->executed) {
-    return "source " + quoted(source) + " was not executed";
-  }
-  return "source " + quoted(source) + " has no statement";
+  return "source " + quoted(source) + (ran->executed ? " has no statement" : " was not executed");
 }

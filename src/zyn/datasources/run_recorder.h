@@ -13,6 +13,14 @@
 
 class moxDataMatrixSQLFilter;
 
+/// The business units of a run, and who named them.
+struct RunUnits {
+  std::vector<int> units;
+  bool unitsFromSession = false;  // otherwise the caller gave them
+  int headOffice = 0;
+  bool headOfficeFromSession = false;
+};
+
 /// Gathers what a run does, told by the context and by the executions while they work. Made only
 /// when somebody asked for a report; the contexts of groups share the one of the run. Used by the
 /// run's thread.
@@ -43,16 +51,18 @@ class RunRecorder {
 
   // What the contexts tell.
 
-  /// Units and head office of the run, and the names that it will bring. Those of a group's
-  /// context leave the run's own units.
-  void runStarted(moxRunReport const& units, std::vector<std::string> const& names);
+  /// The units of the run, and the names that it will bring. A group's context, which starts while
+  /// its source is at work, leaves the run's own units.
+  void runStarted(RunUnits const& units, std::vector<std::string> const& names);
 
   /// A source starts; what the executions tell until the matching sourceFinished belongs to it.
   /// `executes` is for this source alone: inside one that executes, all do.
   void sourceStarted(std::string const& name, std::string const& executionClass, bool executes);
 
-  /// `rows` of the matrix that the source at work made.
-  void sourceFinished(std::int64_t rows);
+  /// A matrix of the source at work, which is named by it when its list gave no name.
+  void matrixRegistered(std::string const& name, std::int64_t rows);
+
+  void sourceFinished();
 
   /// Somebody asked for the filters of that name.
   void filtersAsked(std::string const& name) { askedNames_.insert(name); }

@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "mox/core/registry.h"
+#include "zyn/datasources/data_source_execution_context.h"
 #include "zyn/filters/filter_specifications.h"
 #include "zyn/format/date_formatter.h"
 #include "zyn/format/decimal_formatter.h"
@@ -110,6 +111,10 @@ void registerSearchAndProperties(moxPluginRegistry& registry) {
   internal<FormatterProperty>(registry, "FormatterProperty");
 }
 
+void registerDataSources(moxPluginRegistry& registry) {
+  internal<DataSourceExecutionContext>(registry, "moxDataSourceExecutionContext");
+}
+
 }  // namespace
 
 void registerModuleClasses(moxPluginRegistry& registry) {
@@ -120,5 +125,6 @@ void registerModuleClasses(moxPluginRegistry& registry) {
   registerMatrixOperations(registry);
   registerFilterSpecifications(registry);
   registerSearchAndProperties(registry);
+  registerDataSources(registry);
   registry.registerService(std::make_unique<ZYNCLoaderService>());
 }

@@ -144,7 +144,8 @@ TEST(PluginEntry, ClassesAreRegisteredInTheirOrder) {
                                                          "moxDateUniqueFilter",
                                                          "moxDateRangeFilter",
                                                          "moxPropertiesCollection",
-                                                         "FormatterProperty"}));
+                                                         "FormatterProperty",
+                                                         "moxDataSourceExecutionContext"}));
 }
 
 TEST(PluginEntry, TheServiceThatLoadsCollectionsIsRegistered) {

@@ -1,0 +1,53 @@
+#include "zyn/datasources/compose_plan.h"
+
+#include <cstddef>
+#include <string>
+
+#include "mox/zyn/datasources/data_source_execution.h"
+#include "mox/zyn/datasources/sql_data_source_execution.h"
+
+namespace {
+
+using List = std::vector<moxDataSourceToProcess>;
+
+moxSQLDataSourceExecution const* sqlExecution(moxDataSourceToProcess const& entry) {
+  return dynamic_cast<moxSQLDataSourceExecution const*>(entry.second.second.get());
+}
+
+/// An entry without a name may bear any: it takes that of its definition when it runs.
+void markNamed(List const& list, std::size_t end, std::string const& name,
+               std::vector<bool>& needed) {
+  for (std::size_t i = 0; i < end; ++i) {
+    if (list[i].first == name || list[i].first.empty()) {
+      needed[i] = true;
+    }
+  }
+}
+
+void markAll(std::size_t end, std::vector<bool>& needed) {
+  for (std::size_t i = 0; i < end; ++i) {
+    needed[i] = true;
+  }
+}
+
+}  // namespace
+
+bool hasStatement(moxDataSourceToProcess const& entry) {
+  return sqlExecution(entry) != nullptr;
+}
+
+std::vector<bool> entriesNeededForStatements(List const& list) {
+  std::vector<bool> needed(list.size(), false);
+  for (std::size_t i = list.size(); i-- > 0;) {  // an entry reads only what stands before it
+    if (auto const* const sql = sqlExecution(list[i])) {
+      auto const filterSource = sql->getFilterDataSource();
+      if (!filterSource.empty()) {
+        markNamed(list, i, filterSource, needed);
+      }
+    } else if (needed[i]) {
+      markAll(i, needed);  // what it reads is known to nobody else
+      return needed;
+    }
+  }
+  return needed;
+}

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <vector>
+
+#include "mox/zyn/datasources/data_source_execution_context.h"
+
+/// Which entries of a list must be executed in a run that only puts statements together, one flag
+/// an entry: those whose rows the statement of a later one is made of.
+std::vector<bool> entriesNeededForStatements(std::vector<moxDataSourceToProcess> const& list);
+
+/// Whether the entry can be put together without being executed.
+bool hasStatement(moxDataSourceToProcess const& entry);
