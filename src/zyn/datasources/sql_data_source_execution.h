@@ -50,6 +50,8 @@ class SQLDataSourceExecution final : public virtual moxSQLDataSourceExecution {
     std::string columnFilter;    // in this query
   };
 
+  std::vector<std::shared_ptr<moxFilterSpecification const>> filtersOfManagers() const;
+
   mutable Relation relation_;  // all three are set, or none
   std::vector<ManageFilterData> managers_;
   mutable std::vector<std::pair<std::string, std::string>> externalRelations_;
