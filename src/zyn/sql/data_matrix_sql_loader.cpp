@@ -12,6 +12,7 @@
 #include "mox/zyn/sql/data_matrix_sql_in_filters.h"
 #include "zyn/sql/block_fetch.h"
 #include "zyn/sql/filtro_unidade_null.h"
+#include "zyn/sql/value_recorder.h"
 
 namespace {
 
@@ -69,6 +70,16 @@ bool isExclusion(moxDataMatrixSQLFilter const& filter) {
 
 ColumnReference testedColumn(moxDataMatrixSQLFilter const& filter) {
   return {filter.getTableName(), filter.getColumnName()};
+}
+
+/// The condition of each filter, some of them empty.
+std::vector<std::string> conditionsOf(std::vector<Filter> const& filters) {
+  std::vector<std::string> conditions;
+  conditions.reserve(filters.size());
+  for (auto const& filter : filters) {
+    conditions.push_back(filter->getSql());
+  }
+  return conditions;
 }
 
 /// The class of column for a kind of field; null for a kind that no column holds.
@@ -188,18 +199,31 @@ void DataMatrixSQLLoader::execute() {
 }
 
 void DataMatrixSQLLoader::execute(std::vector<int> units, int matrixUnit) {
-  if (!matrix_) {
-    throw std::logic_error("a loader needs a matrix before it is executed");
-  }
-  if (!unitColumn_.column.empty()) {
-    requireUnits(units, matrixUnit);
-    restrictToUnits(units, matrixUnit);
+  if (auto const unitFilter = missingUnitFilter(units, matrixUnit)) {
+    addFilter(unitFilter);
   }
   auto const statement = prepare();
   bindFilters(statement);
   statement->execute();
   initFetchColumns(*statement);
   fetchRows(statement);
+}
+
+moxComposedSelect DataMatrixSQLLoader::compose(std::vector<int> const& units,
+                                               int matrixUnit) const {
+  auto filters = filters_;
+  if (auto const unitFilter = missingUnitFilter(units, matrixUnit)) {
+    filters.push_back(unitFilter);
+  }
+  auto const conditions = conditionsOf(filters);
+  moxComposedSelect composed{select_.compose(conditions), {}, {}};
+  for (auto const& parameter : parameters_) {
+    composed.parameters.push_back({parameter, {}, valuesOf(*parameter)});
+  }
+  for (std::size_t i = 0; i < filters.size(); ++i) {
+    composed.conditions.push_back({filters[i], conditions[i], valuesOf(*filters[i])});
+  }
+  return composed;
 }
 
 /// Only which column is filtered counts, not how far: a caller who names the unit column takes
@@ -210,29 +234,39 @@ bool DataMatrixSQLLoader::callerRestrictedUnits() const {
   });
 }
 
-void DataMatrixSQLLoader::restrictToUnits(std::vector<int> const& units, int matrixUnit) {
-  if (callerRestrictedUnits()) {
-    return;
+/// The condition on the unit column that must join the filters before the statement may run; empty
+/// when nothing is missing. All that can be refused without the database is refused here.
+DataMatrixSQLLoader::Filter DataMatrixSQLLoader::missingUnitFilter(std::vector<int> const& units,
+                                                                   int matrixUnit) const {
+  if (!matrix_) {
+    throw std::logic_error("a loader needs a matrix before it is executed");
   }
-  auto const filter = std::make_shared<FiltroUnidadeNull>(unitColumn_, unitMayBeNull_);
+  if (unitColumn_.column.empty()) {
+    return {};
+  }
+  requireUnits(units, matrixUnit);
+  if (callerRestrictedUnits()) {
+    return {};
+  }
+  return makeUnitFilter(units, matrixUnit);
+}
+
+DataMatrixSQLLoader::Filter DataMatrixSQLLoader::makeUnitFilter(std::vector<int> const& units,
+                                                                int matrixUnit) const {
+  auto filter = std::make_shared<FiltroUnidadeNull>(unitColumn_, unitMayBeNull_);
   if (unitColumn_.column == kHeadOfficeColumn) {
     filter->pushVal(matrixUnit);
-  } else {
-    for (int const unit : units) {
-      filter->pushVal(unit);
-    }
+    return filter;
   }
-  addFilter(filter);
+  for (int const unit : units) {
+    filter->pushVal(unit);
+  }
+  return filter;
 }
 
 DataMatrixSQLLoader::Statement DataMatrixSQLLoader::prepare() const {
-  std::vector<std::string> conditions;
-  conditions.reserve(filters_.size());
-  for (auto const& filter : filters_) {
-    conditions.push_back(filter->getSql());
-  }
   auto& connection = connection_ != nullptr ? *connection_ : moxApp->databaseConnection();
-  return connection.prepare(select_.compose(conditions), "", "where");
+  return connection.prepare(select_.compose(conditionsOf(filters_)), "", "where");
 }
 
 /// Parameters go first, as their marks stand in the earlier part of the text.

@@ -6,12 +6,13 @@
 #include <vector>
 
 #include "mox/core/database_connection.h"
+#include "mox/zyn/sql/composed_select.h"
 #include "mox/zyn/sql/data_matrix_sql_filter.h"
 #include "mox/zyn/sql/data_matrix_sql_loader.h"
 #include "zyn/sql/fetch_helpers.h"
 #include "zyn/sql/select_statement.h"
 
-class DataMatrixSQLLoader final : public virtual moxDataMatrixSQLLoader {
+class DataMatrixSQLLoader final : public virtual moxDataMatrixSQLLoader, public moxSelectComposer {
  public:
   using Filter = std::shared_ptr<moxDataMatrixSQLFilter const>;
 
@@ -38,11 +39,14 @@ class DataMatrixSQLLoader final : public virtual moxDataMatrixSQLLoader {
               bool unitMayBeNull) override;
   void setPrefixSufix(std::string const& prefix, std::string const& sufix) override;
 
+  moxComposedSelect compose(std::vector<int> const& units, int matrixUnit) const override;
+
  private:
   using Statement = std::shared_ptr<moxDatabaseConnection::PreparedStatement>;
 
   bool callerRestrictedUnits() const;
-  void restrictToUnits(std::vector<int> const& units, int matrixUnit);
+  Filter missingUnitFilter(std::vector<int> const& units, int matrixUnit) const;
+  Filter makeUnitFilter(std::vector<int> const& units, int matrixUnit) const;
   Statement prepare() const;
   void bindFilters(Statement const& statement) const;
   void initFetchColumns(moxDatabaseConnection::PreparedStatement const& statement);
