@@ -4,6 +4,8 @@
 
 #include "mox/core/registry.h"
 #include "zyn/datasources/data_source_execution_context.h"
+#include "zyn/datasources/data_source_label.h"
+#include "zyn/datasources/sql_data_source.h"
 #include "zyn/filters/filter_specifications.h"
 #include "zyn/format/date_formatter.h"
 #include "zyn/format/decimal_formatter.h"
@@ -112,6 +114,7 @@ void registerSearchAndProperties(moxPluginRegistry& registry) {
 }
 
 void registerDataSources(moxPluginRegistry& registry) {
+  internal<SQLDataSource>(registry, "moxSQLDataSource");
   internal<DataSourceExecutionContext>(registry, "moxDataSourceExecutionContext");
 }
 

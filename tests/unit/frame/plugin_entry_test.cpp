@@ -145,7 +145,7 @@ TEST(PluginEntry, ClassesAreRegisteredInTheirOrder) {
                                                          "moxDateRangeFilter",
                                                          "moxPropertiesCollection",
                                                          "FormatterProperty",
-                                                         "moxDataSourceExecutionContext"}));
+                                                         "moxSQLDataSource", "moxDataSourceExecutionContext"}));
 }
 
 TEST(PluginEntry, TheServiceThatLoadsCollectionsIsRegistered) {

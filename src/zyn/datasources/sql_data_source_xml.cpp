@@ -1,0 +1,437 @@
+#include "zyn/datasources/sql_data_source_xml.h"
+
+#include <array>
+
+#include "mox/core/application.h"
+#include "mox/core/xml.h"
+#include "mox/zyn/filters/filter_specification.h"
+#include "mox/zyn/frame/plugin_entry.h"
+#include "mox/zyn/search/search.h"
+#include "zyn/datasources/column_reference.h"
+#include "zyn/datasources/column_tags.h"
+#include "zyn/datasources/sql_data_source.h"
+#include "zyn/items/definition_error.h"
+#include "zyn/items/xml_attributes.h"
+
+namespace {
+
+using Column = moxSQLDataSource::Column;
+using Element = std::shared_ptr<moxXMLNode>;
+
+constexpr char const* kUnit = "unidadeColumn";
+constexpr char const* kAllowNull = "allownull";
+
+struct Piece {
+  char const* element;
+  std::string (moxSQLDataSource::*get)() const;
+  void (moxSQLDataSource::*set)(std::string const&);
+};
+
+constexpr std::array<Piece, 2> kScripts = {{
+    {"Prefix", &moxSQLDataSource::getPrefix, &moxSQLDataSource::setPrefix},
+    {"Sufix", &moxSQLDataSource::getSufix, &moxSQLDataSource::setSufix},
+}};
+
+constexpr Piece kFrom = {"from", &moxSQLDataSource::getSQLFrom, &moxSQLDataSource::setSQLFrom};
+
+constexpr std::array<Piece, 3> kOptionalPieces = {{
+    {"join", &moxSQLDataSource::getSQLJoin, &moxSQLDataSource::setSQLJoin},
+    {"where", &moxSQLDataSource::getSQLWhere, &moxSQLDataSource::setSQLWhere},
+    {"group", &moxSQLDataSource::getSQLGroup, &moxSQLDataSource::setSQLGroup},
+}};
+
+Column unitColumnOf(SQLDataSource const& source) {
+  return source.getUnidadeColumn().first;
+}
+
+void setUnitColumn(SQLDataSource& source, Column column) {
+  source.setUnidadeColumn(std::move(column), source.getUnidadeColumn().second);
+}
+
+struct Role {
+  char const* element;
+  Column (*get)(SQLDataSource const&);
+  void (*set)(SQLDataSource&, Column);
+};
+
+constexpr std::array<Role, 4> kRoles = {{
+    {"mainData", [](SQLDataSource const& source) { return source.getMainColumn(); },
+     [](SQLDataSource& source, Column column) { source.setMainColumn(std::move(column)); }},
+    {"statusColumn", [](SQLDataSource const& source) { return source.getStatusColumn(); },
+     [](SQLDataSource& source, Column column) { source.setStatusColumn(std::move(column)); }},
+    {kUnit, unitColumnOf, setUnitColumn},
+    {"descricaoColumn", [](SQLDataSource const& source) { return source.getDescricaoColumn(); },
+     [](SQLDataSource& source, Column column) { source.setDescricaoColumn(std::move(column)); }},
+}};
+
+void readPiece(SQLDataSource& source, moxXMLNode const& node, Piece const& piece) {
+  if (auto const element = node.childByIndex(0, piece.element)) {
+    (source.*piece.set)(element->readText());
+  }
+}
+
+void writePiece(SQLDataSource const& source, moxXMLNode& node, Piece const& piece) {
+  auto const text = (source.*piece.get)();
+  if (!text.empty()) {
+    node.addChild(piece.element)->writeText(text);
+  }
+}
+
+/// "table.column", as people call it.
+std::string displayed(std::string const& table, std::string const& column) {
+  return table.empty() ? column : table + "." + column;
+}
+
+/// What the author of a definition that names a wrong column is told.
+std::string adviceOnColumn(SQLDataSource const& source, std::string const& table,
+                           std::string const& column) {
+  constexpr std::size_t kListed = 40;
+  std::string advice = "no column is called \"" + displayed(table, column) + "\" (tableName \"" +
+                       table + "\", columnName \"" + column + "\"); the source has ";
+  auto const& columns = source.columnList().own();
+  if (columns.empty()) {
+    return advice + "no columns";
+  }
+  for (std::size_t i = 0; i < columns.size() && i < kListed; ++i) {
+    advice +=
+        (i == 0 ? "" : ", ") + displayed(columns[i]->getTableName(), columns[i]->columnName());
+  }
+  return columns.size() > kListed ? advice + ", ..." : advice;
+}
+
+Column requireColumn(SQLDataSource const& source, std::string const& table,
+                     std::string const& column, moxXMLNode const& element, char const* message) {
+  auto const found = source.columnList().find(table, column);
+  if (!found) {
+    throw definitionError(message, element, adviceOnColumn(source, table, column));
+  }
+  return found;
+}
+
+void readComposed(SQLDataSource& source, moxXMLNode const& command) {
+  if (!command.childByIndex(0, kFrom.element)) {
+    throw definitionError("Fonte de dados " + source.getName() + " sem \"from\"", command,
+                          "a statement of type 1 needs a child \"from\", which may be empty");
+  }
+  readPiece(source, command, kFrom);
+  for (auto const& piece : kOptionalPieces) {
+    readPiece(source, command, piece);
+  }
+}
+
+void readCommand(SQLDataSource& source, moxXMLNode const& command) {
+  if (command.readAttribute("type") == "1") {
+    source.setSQLTipo(moxSQLDataSource::kComposed);
+    readComposed(source, command);
+  } else {
+    source.setSQLTipo(moxSQLDataSource::kPlain);
+    source.setSQL(command.readText());
+  }
+}
+
+void writeCommand(SQLDataSource const& source, moxXMLNode& node) {
+  auto const command = node.addChild("Command");
+  bool const isComposed = source.getSQLTipo() == moxSQLDataSource::kComposed;
+  command->writeAttribute("type", isComposed ? "1" : "0");
+  if (!isComposed) {
+    command->writeText(source.plainSql());
+    return;
+  }
+  command->addChild(kFrom.element)->writeText(source.getSQLFrom());
+  for (auto const& piece : kOptionalPieces) {
+    writePiece(source, *command, piece);
+  }
+}
+
+/// References are bound when every column is there: they may point forward.
+void readFullColumns(SQLDataSource& source, moxXMLNode const& list) {
+  for (int i = 0; auto const element = list.childByIndex(i, "Column"); ++i) {
+    source.columnList().append()->load(element);
+  }
+  for (auto const& column : source.columnList().own()) {
+    column->updateRelations(&source);
+  }
+}
+
+moxSQLDataSourceColumn::FieldTypes databaseTypeOf(moxDataMatrixTypes::Types type) {
+  switch (type) {
+    case moxDataMatrixTypes::Double:
+      return moxSQLDataSourceColumn::kDouble;
+    case moxDataMatrixTypes::Text:
+      return moxSQLDataSourceColumn::kText;
+    case moxDataMatrixTypes::Date:
+      return moxSQLDataSourceColumn::kDate;
+    case moxDataMatrixTypes::Blob:
+      return moxSQLDataSourceColumn::kBlob;
+    default:
+      return moxSQLDataSourceColumn::kInt;
+  }
+}
+
+/// Whether there was one.
+bool readShortColumns(SQLDataSource& source, moxXMLNode const& list) {
+  int i = 0;
+  for (; auto const element = list.childByIndex(i); ++i) {
+    auto const type = columnTypeOfTag(element->elementName()).value_or(moxDataMatrixTypes::Int);
+    auto const column = source.columnList().append();
+    column->setColumnName(element->readAttribute("name"));
+    column->setDbType(databaseTypeOf(type));
+  }
+  return i > 0;
+}
+
+bool isSubqueryAllowed(moxXMLNode const& node) {
+  auto const avoided = node.readAttribute("evitarSubquery");
+  return avoided.empty() || avoided == "0";
+}
+
+// Columns of the short form know neither tables nor expressions, so that a condition can name them
+// only from outside the statement.
+void readColumns(SQLDataSource& source, moxXMLNode const& node) {
+  auto const list = node.childByIndex(0, "Columns");
+  if (!list) {
+    return;
+  }
+  if (list->childByIndex(0, "Column")) {
+    readFullColumns(source, *list);
+  } else if (readShortColumns(source, *list) && isSubqueryAllowed(node)) {
+    source.setSQL("select * from ( " + source.plainSql() + " ) command ");
+  }
+}
+
+void writeColumns(SQLDataSource const& source, moxXMLNode& node) {
+  auto const list = node.addChild("Columns");
+  for (auto const& column : source.columnList().own()) {
+    column->save(list->addChild("Column"));
+  }
+}
+
+void readOrder(SQLDataSource& source, moxXMLNode const& node) {
+  auto const list = node.childByIndex(0, "Order");
+  for (int i = 0; auto const by = list ? list->childByIndex(i, "By") : nullptr; ++i) {
+    auto name = by->readAttribute("columnName");
+    if (name.empty()) {
+      name = by->readAttribute("column");
+    }
+    auto column = requireColumn(source, by->readAttribute("tableName"), name, *by,
+                                "Ordem By com coluna inválida");
+    source.addOrderColumn(std::move(column), by->readAttribute("dir") == "Desc");
+  }
+}
+
+void writeOrder(SQLDataSource const& source, moxXMLNode& node) {
+  auto const order = source.getOrderColumns();
+  if (order.empty()) {
+    return;
+  }
+  auto const list = node.addChild("Order");
+  for (auto const& [column, isDescending] : order) {
+    auto const by = list->addChild("By");
+    column_reference::write(*by, column_reference::namesOf(*column),
+                            column_reference::kColumnFirst);
+    if (isDescending) {
+      by->writeAttribute("dir", "Desc");
+    }
+  }
+}
+
+moxSQLDataSource::Relation readRelation(SQLDataSource const& source, moxXMLNode const& element) {
+  constexpr char const* kMessage = "Relação entre datasources inválida";
+  auto const origin = element.childByIndex(0, "DataSourceOrigin");
+  if (!origin) {
+    throw definitionError(kMessage, element, "it needs a child \"DataSourceOrigin\"");
+  }
+  auto column = requireColumn(source, origin->readAttribute("tableName"),
+                              origin->readAttribute("columnName"), *origin, kMessage);
+  return {element.readAttribute("dataSource"), element.readAttribute("columnName"),
+          std::move(column)};
+}
+
+void readRelations(SQLDataSource& source, moxXMLNode const& node) {
+  auto const list = node.childByIndex(0, "Relations");
+  auto relations = source.getRelations();
+  for (int i = 0; auto const element = list ? list->childByIndex(i, "Rel") : nullptr; ++i) {
+    relations.push_back(readRelation(source, *element));
+  }
+  source.setRelations(relations);
+}
+
+/// A relation that an editor left without a column is no relation, and could not be read again.
+void writeRelations(SQLDataSource const& source, moxXMLNode& node) {
+  Element list;
+  for (auto const& relation : source.getRelations()) {
+    if (!relation.column) {
+      continue;
+    }
+    list = list ? list : node.addChild("Relations");
+    auto const element = list->addChild("Rel");
+    element->writeAttribute("dataSource", relation.dataSource);
+    element->writeAttribute("columnName", relation.columnName);
+    column_reference::write(*element->addChild("DataSourceOrigin"),
+                            column_reference::namesOf(*relation.column),
+                            column_reference::kOriginFirst);
+  }
+}
+
+/// Of several columns of the names the last one has the role.
+void readRole(SQLDataSource& source, moxXMLNode const& element, Role const& role) {
+  auto const table = element.readAttribute("tableName");
+  auto const name = element.readAttribute("columnName");
+  for (auto const& column : source.columnList().own()) {
+    if (column->isCalled(table, name)) {
+      role.set(source, column);
+    }
+  }
+}
+
+void readRoles(SQLDataSource& source, moxXMLNode const& node) {
+  for (auto const& role : kRoles) {
+    if (auto const element = node.childByIndex(0, role.element)) {
+      readRole(source, *element, role);
+    }
+  }
+  auto const unit = node.childByIndex(0, kUnit);
+  if (unit && unit->readAttribute(kAllowNull) == "1") {
+    source.setUnidadeColumn(unitColumnOf(source), true);
+  }
+}
+
+void writeRoles(SQLDataSource const& source, moxXMLNode& node) {
+  for (auto const& role : kRoles) {
+    auto const column = role.get(source);
+    if (!column) {
+      continue;
+    }
+    auto const element = node.addChild(role.element);
+    column_reference::write(*element, column_reference::namesOf(*column),
+                            column_reference::kTableFirst);
+    if (role.get == unitColumnOf) {
+      xml_attributes::writeBool(*element, kAllowNull, source.getUnidadeColumn().second);
+    }
+  }
+}
+
+/// An element that is no filter is refused: left out, it would let a user see more than the
+/// definition's author meant.
+std::shared_ptr<moxFilterSpecification> readFilter(Element const& element) {
+  auto filter = moxApp->get<moxFilterSpecification>(element->elementName());
+  if (!filter) {
+    throw definitionError("Filtro inválido: " + element->elementName(), *element,
+                          "the class of this name is no filter specification");
+  }
+  filter->load(element);
+  return filter;
+}
+
+void readFilterOnColumn(SQLDataSource& source, Element const& element) {
+  auto const filter = readFilter(element);
+  filter->setSQLDataSourceColumn(requireColumn(source, filter->getTableName(), filter->getColumn(),
+                                               *element, "Coluna de Filtro inválida"));
+  source.addFilter(filter);
+}
+
+void readCustomFilters(SQLDataSource& source, moxXMLNode const& list) {
+  for (int i = 0; auto const element = list.childByIndex(i); ++i) {
+    source.addFilter(readFilter(element));
+  }
+}
+
+void readFilters(SQLDataSource& source, moxXMLNode const& node) {
+  auto const filters = node.childByIndex(0, "Filters");
+  if (!filters) {
+    return;
+  }
+  auto const onColumns = filters->childByIndex(0, "column");
+  for (int i = 0; auto const element = onColumns ? onColumns->childByIndex(i) : nullptr; ++i) {
+    readFilterOnColumn(source, element);
+  }
+  if (auto const custom = filters->childByIndex(0, "custom")) {
+    readCustomFilters(source, *custom);
+  }
+}
+
+void writeFilters(SQLDataSource const& source, moxXMLNode& node) {
+  if (source.filterList().empty()) {
+    return;
+  }
+  auto const filters = node.addChild("Filters");
+  Element onColumns;
+  Element custom;
+  for (auto const& filter : source.filterList()) {
+    bool const isOnColumn = filter->getSQLDataSourceColumn() != nullptr;
+    auto& list = isOnColumn ? onColumns : custom;
+    list = list ? list : filters->addChild(isOnColumn ? "column" : "custom");
+    filter->save(list->addChild(filter->name()));
+  }
+}
+
+void readSearch(SQLDataSource& source, moxXMLNode const& node) {
+  auto const element = node.childByIndex(0, "moxSearch");
+  auto const search = element ? moxApp->get<moxSearch>("moxSearch") : nullptr;
+  if (search) {
+    search->load(element);
+    search->setDataSourceExterno(source.getName(), source.shared_from_this());
+    source.setSearch(search);
+  }
+}
+
+void readOldForm(SQLDataSource& source, moxXMLNode const& node) {
+  auto const sql = node.childByIndex(0, "Sql");
+  if (!sql) {
+    return;
+  }
+  source.setModoCompatibilidade();
+  source.setSQL(sql->readText());
+  if (auto const columns = node.childByIndex(0, "Columns")) {
+    readFullColumns(source, *columns);
+  }
+  if (auto const filters = node.childByIndex(0, "Filters")) {
+    readCustomFilters(source, *filters);
+  }
+  auto const general = node.childByIndex(0, "General");
+  auto const mainData = general ? general->readAttribute("mainData") : std::string();
+  if (!mainData.empty()) {
+    source.setMainColumn(source.columnList().findByName(mainData));
+  }
+}
+
+}  // namespace
+
+void sql_data_source_xml::read(SQLDataSource& source, moxXMLNode const& node) {
+  source.setHeaderName(node.readAttribute("VisibleName"));
+  source.setName(node.readAttribute("name"));
+  for (auto const& script : kScripts) {
+    readPiece(source, node, script);
+  }
+  auto const command = node.childByIndex(0, "Command");
+  if (!command) {
+    readOldForm(source, node);
+    return;
+  }
+  readCommand(source, *command);
+  readColumns(source, node);
+  readOrder(source, node);
+  readRelations(source, node);
+  readRoles(source, node);
+  readFilters(source, node);
+  source.setWhereAnd(node.readAttribute("whereand"));
+  readSearch(source, node);
+}
+
+void sql_data_source_xml::write(SQLDataSource const& source, moxXMLNode& node) {
+  node.writeAttribute("name", source.getName());
+  for (auto const& script : kScripts) {
+    writePiece(source, node, script);
+  }
+  writeCommand(source, node);
+  node.writeAttribute("VisibleName", source.getHeaderName());
+  writeRoles(source, node);
+  writeColumns(source, node);
+  writeOrder(source, node);
+  writeRelations(source, node);
+  writeFilters(source, node);
+  node.writeAttribute("whereand", source.getWhereAnd());
+  if (auto const search = source.search()) {
+    search->save(node.addChild("moxSearch"));
+  }
+}
