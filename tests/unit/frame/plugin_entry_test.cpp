@@ -145,7 +145,8 @@ TEST(PluginEntry, ClassesAreRegisteredInTheirOrder) {
                                                          "moxDateRangeFilter",
                                                          "moxPropertiesCollection",
                                                          "FormatterProperty",
-                                                         "moxSQLDataSource", "moxDataSourceExecutionContext"}));
+                                                         "moxSQLDataSource",
+                                                         "moxDataSourceExecutionContext"}));
 }
 
 TEST(PluginEntry, TheServiceThatLoadsCollectionsIsRegistered) {
