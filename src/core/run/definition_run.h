@@ -1,0 +1,90 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "core/run/filter_argument.h"
+#include "core/run/unit_confinement.h"
+#include "mox/zyn/datasources/data_source_execution_context.h"
+#include "mox/zyn/datasources/run_report.h"
+
+class VELMORApplication;
+class moxDataSource;
+class moxSessionService;
+
+namespace mox::core {
+
+/// One run of a definition with all that it depends on, for the calling thread's session: found
+/// through the caches, wired, filtered, run. Every host takes this road, because on it nothing that
+/// a user writes widens what he may see. Belongs to one thread, and runs once.
+///
+///     DefinitionRun run(application, application.sessions(), "Alunos");
+///     run.setFilters({"turma=3", "nota=5..9"});
+///     auto const matrix = run.run();
+class DefinitionRun {
+ public:
+  enum class Report {
+    kNone,
+    kKept,        // of a run as any other
+    kComposeOnly  // statements are put together and, but for what others need, not sent
+  };
+
+  /// Throws moxError when the session finds no source of data under the name.
+  DefinitionRun(VELMORApplication& application, moxSessionService& sessions, std::string name);
+
+  std::shared_ptr<moxDataSource const> const& definition() const { return sources_.back(); }
+
+  /// The sources in the order of running, the definition last.
+  std::vector<std::shared_ptr<moxDataSource const>> const& sources() const { return sources_; }
+
+  /// What a user can be asked for: the definition's own filters, then those of the sources that it
+  /// depends on.
+  std::vector<FilterOffer> const& offers() const { return offers_; }
+
+  /// Whether the rows belong to business units.
+  bool keepsToUnits() const;
+
+  /// The units to run for; without any, the session's default unit. Before setFilters.
+  void setUnits(std::vector<int> units);
+
+  /// What the user asks for, as he wrote it. Throws FilterArgumentError, also when a required one
+  /// is missing. Called once at most; run calls it when nobody did.
+  void setFilters(std::vector<std::string> const& texts);
+
+  /// The same, understood by a form.
+  void setFilters(std::vector<FilterArgument> const& arguments);
+
+  /// The filters as they went into the run: kept to units where need be.
+  std::vector<FilterArgument> const& filters() const { return filters_; }
+
+  /// What the run shall tell of itself. Throws moxError when the module's context cannot.
+  void keepReport(Report report);
+
+  /// The result; empty when the notifier asked to stop. Throws what the run throws; the details
+  /// name the definition.
+  std::shared_ptr<moxDataMatrix> run(
+      std::shared_ptr<moxDataSourceExecutionProgressNotifier> notifier = {});
+
+  /// What happened so far, when it is kept; empty otherwise.
+  moxRunReport report() const;
+
+  moxDataSourceExecutionContext& context() { return *context_; }
+
+ private:
+  UnitScope scope() const;
+
+  VELMORApplication& application_;
+  moxSessionService& sessions_;
+  std::string name_;
+  std::vector<std::shared_ptr<moxDataSource const>> sources_;
+  std::vector<moxDataSourceToProcess> list_;
+  std::shared_ptr<moxDataSourceExecutionContext> context_;
+  std::vector<FilterOffer> offers_;
+  std::vector<int> units_;
+  std::vector<FilterArgument> filters_;
+  bool filtersSet_ = false;
+  bool reportKept_ = false;
+};
+
+}  // namespace mox::core
