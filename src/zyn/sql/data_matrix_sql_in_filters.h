@@ -33,7 +33,23 @@ class SQLInFilter : public SQLFilterBase<Interface> {
 class DataMatrixSQLIntegerInFilter : public SQLInFilter<moxDataMatrixSQLIntegerInFilter, int> {
  public:
   std::string name() const override { return "moxDataMatrixSQLIntegerInFilter"; }
-  std::string getSql() const override { return inCondition(tested(), values_.size(), negated_); }
+
+  std::string getSql() const override {
+    return isStatementMark(tested()) ? std::string()
+                                     : inCondition(tested(), values_.size(), negated_);
+  }
+
+  /// A mark of the statement's own text takes exactly one value: the smallest, or a null.
+  void bind(Statement const& statement, int* counter) const override {
+    if (!isStatementMark(tested())) {
+      SQLInFilter::bind(statement, counter);
+    } else if (values_.empty()) {
+      bindNextNull(*statement, counter);
+    } else {
+      bindNext(*statement, counter, *values_.begin());
+    }
+  }
+
   void pushVal(int value) override { values_.insert(value); }
   void setNot(bool negated) override { negated_ = negated; }
   bool getNot() const override { return negated_; }

@@ -67,6 +67,22 @@ TEST(IntegerInFilter, WithoutValuesSelectsNothingEvenNegatedOrInAnExpression) {
   EXPECT_EQ(filter.getSql(), "1=0");
 }
 
+TEST(IntegerInFilter, MarkOfTheStatementTakesItsSmallestValueAndNoCondition) {
+  DataMatrixSQLIntegerInFilter filter;
+  filter.setColumnName("", "{{p_turma}}");
+  filter.pushVal(9);
+  filter.pushVal(4);
+  EXPECT_EQ(filter.getSql(), "");
+  EXPECT_EQ(bindsOf(filter, 2), (Binds{"2: int 4", "counter 3"}));
+}
+
+TEST(IntegerInFilter, MarkOfTheStatementIsNullWithoutValues) {
+  DataMatrixSQLIntegerInFilter filter;
+  filter.setColumnName("", "{{p_turma}}");
+  EXPECT_EQ(filter.getSql(), "");
+  EXPECT_EQ(bindsOf(filter), (Binds{"0: null", "counter 1"}));
+}
+
 TEST(IntegerInFilter, CanBeUsedAgainAfterClear) {
   DataMatrixSQLIntegerInFilter filter;
   filter.setColumnName("", "c");

@@ -6,7 +6,8 @@
 #include "mox/zyn/sql/data_matrix_sql_filter.h"
 
 /// "column in (?, ?)". Values are kept once each and bound in ascending order. Without values the
-/// condition is "1=0": who ticks nothing gets nothing.
+/// condition is "1=0": who ticks nothing gets nothing. With the mark of a value in the statement's
+/// own text as column there is no condition, and one value is bound: the first, or a null.
 class moxDataMatrixSQLIntegerInFilter : public virtual moxDataMatrixSQLIntegerFilter {
  public:
   virtual void pushVal(int value) = 0;
