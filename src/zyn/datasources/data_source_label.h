@@ -9,7 +9,7 @@
 /// bytes.
 template <std::size_t Size>
 struct LabelText {
-  // Implicit, so that a literal can be the argument. NOLINTNEXTLINE(google-explicit-constructor)
+  // Implicit, so that a literal can be the argument.
   constexpr LabelText(char const (&text)[Size]) { std::copy_n(text, Size, bytes); }
 
   char bytes[Size] = {};
