@@ -10,9 +10,9 @@
 #include "cli/not_empty.h"
 #include "cli/output/progress.h"
 #include "cli/output/result_printer.h"
+#include "cli/reported_reading.h"
 #include "cli/sort_order.h"
 #include "cli/statement_source.h"
-#include "core/database/database.h"
 #include "mox/zyn/matrix/data_matrix.h"
 #include "mox/zyn/matrix/data_matrix_sorter.h"
 #include "mox/zyn/sql/data_matrix_sql_loader.h"
@@ -125,28 +125,6 @@ class ParameterMaker {
   }
 
   Host& host_;
-};
-
-/// Has the database report rows to the progress line while it lives.
-class ReportedReading {
- public:
-  ReportedReading(Host& host, Progress& progress)
-      : database_(dynamic_cast<core::Database*>(&host.application().databaseConnection())) {
-    if (database_ != nullptr) {
-      database_->setRowObserver(
-          [&progress](std::int64_t rows) { progress.report(Progress::Stage::kReading, rows); });
-    }
-  }
-  ReportedReading(ReportedReading const&) = delete;
-  ReportedReading& operator=(ReportedReading const&) = delete;
-  ~ReportedReading() {
-    if (database_ != nullptr) {
-      database_->setRowObserver({});
-    }
-  }
-
- private:
-  core::Database* database_;
 };
 
 std::shared_ptr<moxDataMatrix> load(Host& host, SqlRequest const& request, Progress& progress) {

@@ -1,6 +1,7 @@
 #include "cli/output/result_printer.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <string_view>
@@ -12,6 +13,7 @@
 #include "cli/output/column_visit.h"
 #include "cli/output/csv_writer.h"
 #include "cli/output/display_text.h"
+#include "cli/output/formatted_column.h"
 #include "cli/output/json_writer.h"
 #include "cli/output/table_writer.h"
 
@@ -50,6 +52,38 @@ std::string summaryText(ResultTable const& table, unsigned int allRows,
   return oneLineText(text);
 }
 
+std::vector<std::string> headingsOf(moxDataMatrix const& matrix,
+                                    std::map<std::string, std::string> const& headings) {
+  std::vector<std::string> texts;
+  for (unsigned int i = 0; i < matrix.columnCount(); ++i) {
+    auto const name = matrix.columnAt(i)->getName();
+    auto const heading = headings.find(name);
+    texts.push_back(heading != headings.end() && !heading->second.empty() ? heading->second : name);
+  }
+  return texts;
+}
+
+/// Adds up the time that a sink takes.
+class TimedSink final : public ByteSink {
+ public:
+  TimedSink(ByteSink& sink, double& seconds) : sink_(sink), seconds_(seconds) {}
+
+  void write(std::string_view bytes) override {
+    timed([&] { sink_.write(bytes); });
+  }
+
+  template <class Work>
+  void timed(Work work) {
+    auto const start = std::chrono::steady_clock::now();
+    work();
+    seconds_ += std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+  }
+
+ private:
+  ByteSink& sink_;
+  double& seconds_;
+};
+
 }  // namespace
 
 ResultPrinter::ResultPrinter(OutputOptions const& options, bool quiet)
@@ -63,10 +97,13 @@ ResultPrinter::ResultPrinter(OutputOptions const& options, bool quiet)
 
 void ResultPrinter::print(moxDataMatrix const& matrix, unsigned int rowLimit,
                           std::function<void(std::int64_t)> onRows) {
-  ResultTable const table{columnsOf(matrix), std::min(rowLimit, matrix.rowCount()),
-                          std::move(onRows)};
-  OutputBuffer out(*target_);
-  if (format_ == "table") {
+  bool const isTable = format_ == "table";
+  ResultTable table{isTable || formatted_ ? formattedColumnsOf(matrix) : columnsOf(matrix),
+                    std::min(rowLimit, matrix.rowCount()), std::move(onRows),
+                    isTable ? headingsOf(matrix, headings_) : std::vector<std::string>()};
+  TimedSink sink(*target_, writingSeconds_);
+  OutputBuffer out(sink);
+  if (isTable) {
     bool const forTerminal = target_->isTerminal();
     auto const leftOut = writeTable(out, table, {target_->width(), forTerminal && wantsStyles()});
     summary_ = quiet_ ? "" : summaryText(table, matrix.rowCount(), leftOut);
@@ -78,7 +115,7 @@ void ResultPrinter::print(moxDataMatrix const& matrix, unsigned int rowLimit,
     writeNdjson(out, table);
   }
   out.flush();
-  target_->commit();
+  sink.timed([&] { target_->commit(); });
 }
 
 void ResultPrinter::tell() const {

@@ -3,7 +3,9 @@
 #include <cstdint>
 #include <functional>
 #include <limits>
+#include <map>
 #include <memory>
+#include <string>
 
 #include "cli/output/output_options.h"
 #include "cli/output/output_target.h"
@@ -22,6 +24,12 @@ class ResultPrinter {
   /// Throws moxError when the place cannot be written.
   ResultPrinter(OutputOptions const& options, bool quiet);
 
+  /// Has columns with a formatter written as it says, in every form; a table always is.
+  void setFormatted() { formatted_ = true; }
+
+  /// What stands above a column in a table, by the column's name.
+  void setHeadings(std::map<std::string, std::string> headings) { headings_ = std::move(headings); }
+
   /// Whether the result goes to a terminal.
   bool toTerminal() const { return target_->isTerminal(); }
 
@@ -33,10 +41,16 @@ class ResultPrinter {
   /// nothing else may be written there.
   void tell() const;
 
+  /// How long print waited for the place that it wrote to.
+  double writingSeconds() const { return writingSeconds_; }
+
  private:
   std::unique_ptr<OutputTarget> target_;
   std::string format_;
   bool quiet_;
+  bool formatted_ = false;
+  std::map<std::string, std::string> headings_;
+  double writingSeconds_ = 0;
   std::string summary_;
 };
 

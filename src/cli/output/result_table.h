@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "mox/zyn/matrix/data_matrix.h"
@@ -14,6 +15,7 @@ struct ResultTable {
   std::vector<std::shared_ptr<moxDataMatrixColumn const>> columns;
   unsigned int rowCount = 0;
   std::function<void(std::int64_t rowsWritten)> onRows;  // told now and then; may be empty
+  std::vector<std::string> headings;  // of a table, one a column; empty: the columns' names
 
   /// Tells `onRows`, often enough for an eye and seldom enough to cost nothing.
   void rowWritten(unsigned int row) const {

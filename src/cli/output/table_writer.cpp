@@ -5,6 +5,7 @@
 #include "cli/output/column_visit.h"
 #include "cli/output/column_widths.h"
 #include "cli/output/display_text.h"
+#include "cli/output/formatted_column.h"
 #include "cli/output/value_text.h"
 
 namespace mox::cli {
@@ -65,10 +66,10 @@ struct CellTextMaker {
   }
 };
 
-TableColumn makeColumn(moxDataMatrixColumn const& column) {
-  auto const type = column.getType();
+TableColumn makeColumn(moxDataMatrixColumn const& column, std::string header) {
+  auto const type = typeOfValues(column);
   bool const isNumber = type == moxDataMatrixTypes::Int || type == moxDataMatrixTypes::Double;
-  return {&column, column.getName(), visitColumn(column, CellTextMaker{}), isNumber,
+  return {&column, std::move(header), visitColumn(column, CellTextMaker{}), isNumber,
           type == moxDataMatrixTypes::Text};
 }
 
@@ -76,8 +77,10 @@ class TableWriter {
  public:
   TableWriter(OutputBuffer& out, ResultTable const& table, TableOptions const& options)
       : out_(out), table_(table), options_(options) {
-    for (auto const& column : table.columns) {
-      columns_.push_back(makeColumn(*column));
+    for (std::size_t i = 0; i < table.columns.size(); ++i) {
+      auto const& column = *table.columns[i];
+      columns_.push_back(
+          makeColumn(column, table.headings.empty() ? column.getName() : table.headings[i]));
     }
   }
 

@@ -1,0 +1,128 @@
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include <CLI/CLI.hpp>
+#include <chrono>
+#include <cstdio>
+
+#include "cli/commands/commands.h"
+#include "cli/definition_options.h"
+#include "cli/output/progress.h"
+#include "cli/output/result_printer.h"
+#include "cli/reported_reading.h"
+#include "mox/zyn/datasources/sql_data_source.h"
+#include "mox/zyn/matrix/data_matrix.h"
+
+namespace mox::cli {
+
+namespace {
+
+struct RunOptions {
+  DefinitionOptions definition;
+  unsigned int limit = ResultPrinter::kAllRows;
+  bool formatted = false;
+  bool time = false;
+  OutputOptions output;
+};
+
+/// Seconds from the object's making, or from the last lap.
+class Stopwatch {
+ public:
+  double lap() {
+    auto const now = Clock::now();
+    double const seconds = std::chrono::duration<double>(now - start_).count();
+    start_ = now;
+    return seconds;
+  }
+
+ private:
+  using Clock = std::chrono::steady_clock;
+
+  Clock::time_point start_ = Clock::now();
+};
+
+/// Where the time of a run went.
+struct RunTimes {
+  double start = 0;  // settings, modules, definitions, database
+  double load = 0;
+  double print = 0;  // formatting and writing
+  double write = 0;  // waiting for the place that is written to
+};
+
+void tellTimes(RunTimes const& times) {
+  double const total = times.start + times.load + times.print;
+  auto const share = [total](double seconds) {
+    return fmt::format("{:.3f} s ({:.0f} %)", seconds, total > 0 ? 100 * seconds / total : 0);
+  };
+  std::string const line = fmt::format(
+      "time: {:.3f} s; start {}, load {}, formatting {}, writing {}\n", total, share(times.start),
+      share(times.load), share(times.print - times.write), share(times.write));
+  std::fputs(line.c_str(), stderr);
+}
+
+std::map<std::string, std::string> headingsOf(moxDataSource const& definition) {
+  std::map<std::string, std::string> headings;
+  if (auto const* const sql = dynamic_cast<moxSQLDataSource const*>(&definition)) {
+    for (auto const& column : sql->columns()) {
+      headings.emplace(column->getColumnName(), column->getVisibleName());
+    }
+  }
+  return headings;
+}
+
+std::shared_ptr<moxDataMatrix> load(Host& host, core::DefinitionRun& run, Progress& progress) {
+  ReportedReading const reported(host, progress);
+  return run.run();
+}
+
+void runDefinition(GlobalOptions const& globals, RunOptions const& options) {
+  ResultPrinter printer(options.output, globals.quiet);
+  Progress progress(!globals.quiet && isatty(STDERR_FILENO) != 0);
+  Stopwatch watch;
+  RunTimes times;
+  Host host(globals);
+  auto const run = prepareRun(host, globals, options.definition);
+  times.start = watch.lap();
+  auto const matrix = load(host, *run, progress);
+  times.load = watch.lap();
+  printer.setHeadings(headingsOf(*run->definition()));
+  if (options.formatted) {
+    printer.setFormatted();
+  }
+  progress.report(Progress::Stage::kWriting, 0);
+  if (printer.toTerminal()) {
+    progress.stop();
+  }
+  printer.print(*matrix, options.limit,
+                [&](std::int64_t rows) { progress.report(Progress::Stage::kWriting, rows); });
+  times.print = watch.lap();
+  times.write = printer.writingSeconds();
+  progress.stop();
+  printer.tell();
+  if (options.time) {
+    tellTimes(times);
+  }
+}
+
+}  // namespace
+
+Command addRunCommand(CLI::App& program) {
+  auto* const parser = program.add_subcommand("run", "Run a definition and print its rows");
+  parser->footer(
+      "\nA column is named as the definition's filter names it, as the result does, or\n"
+      "with its table in front. Days are YYYY-MM-DD or DD/MM/YYYY. A range may be open\n"
+      "at one end: 5.. or ..9. In ranges and lists a value may stand in double quotes.\n"
+      "A table shows formatted values, the other forms plain ones.");
+  auto const options = std::make_shared<RunOptions>();
+  addDefinitionOptions(*parser, options->definition);
+  parser->add_option("--limit", options->limit, "Write the first N rows only")->option_text("N");
+  parser
+      ->add_flag("--formatted", options->formatted, "Formatted values in csv, json and ndjson too")
+      ->option_text(" ");
+  addOutputOptions(*parser, options->output);
+  parser->add_flag("--time", options->time, "Tell on standard error where the time went")
+      ->option_text(" ");
+  return {parser, [options](GlobalOptions const& globals) { runDefinition(globals, *options); }};
+}
+
+}  // namespace mox::cli

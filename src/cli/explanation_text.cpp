@@ -1,0 +1,176 @@
+#include "cli/explanation_text.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <string_view>
+
+#include "cli/output/display_text.h"
+#include "core/run/explanation.h"
+#include "mox/zyn/filters/filter_specification.h"
+
+namespace mox::cli {
+
+namespace {
+
+constexpr int kLabelWidth = 13;
+constexpr std::size_t kIndentWidth = 2;
+
+// A relation may bind thousands of values; who wants them all reads the JSON.
+constexpr std::size_t kMostValuesShown = 20;
+
+std::string valueText(moxBoundValue const& value) {
+  if (value.type == moxBoundValue::Type::kNull) {
+    return "null";
+  }
+  bool const quoted = value.type == moxBoundValue::Type::kText;
+  return core::valueTypeKey(value.type) + (quoted ? " '" + value.text + "'" : " " + value.text);
+}
+
+std::string valuesText(std::vector<moxBoundValue> const& values) {
+  std::string text;
+  for (std::size_t i = 0; i < std::min(values.size(), kMostValuesShown); ++i) {
+    text += (i == 0 ? "" : ", ") + valueText(values[i]);
+  }
+  return values.size() > kMostValuesShown
+             ? text + fmt::format(", and {} more", values.size() - kMostValuesShown)
+             : text;
+}
+
+std::string trimmed(std::string const& text) {
+  auto const first = text.find_first_not_of(' ');
+  return first == text.npos ? "" : text.substr(first, text.find_last_not_of(' ') - first + 1);
+}
+
+class TextWriter {
+ public:
+  explicit TextWriter(core::Explanation const& explanation)
+      : explanation_(explanation), report_(explanation.report) {}
+
+  std::string write() {
+    writeHead();
+    int number = 0;
+    for (auto const& source : report_.sources) {
+      writeSource(++number, source);
+    }
+    writeIgnored();
+    if (!explanation_.error.empty()) {
+      line(0, "");
+      labelled("failed", explanation_.error);
+    }
+    return text_;
+  }
+
+ private:
+  void writeHead() {
+    labelled("definition", explanation_.definition +
+                               (explanation_.composedOnly ? " (put together, not run)" : ""));
+    labelled("units", core::unitsText(report_));
+    labelled("head office", headOfficeText());
+    for (auto const& filter : explanation_.filters) {
+      labelled("filter",
+               filter.text + (filter.keptToUnits ? " (kept to the units of the run)" : ""));
+    }
+  }
+
+  std::string headOfficeText() const {
+    if (report_.headOffice == 0) {
+      return "none";
+    }
+    return std::to_string(report_.headOffice) +
+           (report_.headOfficeFromSession ? ", the session's" : ", named by the caller");
+  }
+
+  void writeSource(int number, moxRunSource const& source) {
+    line(0, "");
+    line(0, fmt::format("{}. {}: {}", number, source.name, outcome(source)));
+    for (auto const& statement : source.statements) {
+      line(1, "statement");
+      block(2, statement.sql);
+      writeParameters(statement);
+      writeConditions(source, statement);
+    }
+  }
+
+  static std::string outcome(moxRunSource const& source) {
+    return source.executed ? fmt::format("{} {}, {:.1f} ms", source.rows,
+                                         source.rows == 1 ? "row" : "rows", source.seconds * 1e3)
+                           : "put together, not run";
+  }
+
+  void writeParameters(moxRunStatement const& statement) {
+    if (!statement.parameters.empty()) {
+      line(1, "values of its tokens, in order");
+    }
+    for (auto const& part : statement.parameters) {
+      writePart(part.column, part);
+    }
+  }
+
+  void writeConditions(moxRunSource const& source, moxRunStatement const& statement) {
+    auto const own = explanation_.definitionConditions.find(source.name);
+    bool const hasOwn = own != explanation_.definitionConditions.end();
+    if (hasOwn || !statement.conditions.empty()) {
+      line(1, "conditions");
+    }
+    if (hasOwn) {
+      block(2, own->second);
+      line(3, "from: the definition's own text");
+    }
+    for (auto const& part : statement.conditions) {
+      writePart(part.sql.empty() ? part.column : trimmed(part.sql), part);
+    }
+  }
+
+  void writePart(std::string const& what, moxRunPart const& part) {
+    block(2, what);
+    if (!part.values.empty()) {
+      line(3, "value: " + valuesText(part.values));
+    }
+    line(3, "from: " + core::originText(part, report_));
+  }
+
+  void writeIgnored() {
+    if (report_.ignoredFilters.empty()) {
+      return;
+    }
+    line(0, "");
+    line(0, "filters that no statement used");
+    for (auto const& ignored : report_.ignoredFilters) {
+      line(1, fmt::format("{} of {}: {}", ignored.column, ignored.source, ignored.reason));
+    }
+  }
+
+  void labelled(std::string const& label, std::string const& value) {
+    line(0, fmt::format("{:<{}}{}", label, kLabelWidth, value));
+  }
+
+  /// A text of several lines, each indented.
+  void block(std::size_t depth, std::string_view text) {
+    while (!text.empty()) {
+      auto const end = std::min(text.find('\n'), text.size());
+      line(depth, text.substr(0, end));
+      text.remove_prefix(std::min(end + 1, text.size()));
+    }
+  }
+
+  void line(std::size_t depth, std::string_view text) {
+    text_.append(text.empty() ? 0 : depth * kIndentWidth, ' ');
+    if (!text.empty()) {
+      appendDisplayText(text_, text, kNoWidthLimit);
+    }
+    text_ += '\n';
+  }
+
+  core::Explanation const& explanation_;
+  moxRunReport const& report_;
+  std::string text_;
+};
+
+}  // namespace
+
+std::string explanationText(core::Explanation const& explanation) {
+  return TextWriter(explanation).write();
+}
+
+}  // namespace mox::cli

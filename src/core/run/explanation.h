@@ -1,0 +1,43 @@
+#pragma once
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "core/run/definition_run.h"
+#include "mox/zyn/datasources/run_report.h"
+
+namespace mox::core {
+
+/// Why the result of a run is what it is: what was asked, what was sent, and where each part came
+/// from.
+struct Explanation {
+  std::string definition;  // by its name in the run
+  bool composedOnly = false;
+  std::vector<FilterArgument> filters;  // as they went into the run
+  moxRunReport report;
+  std::map<std::string, std::string> definitionConditions;  // by source; where the definition keeps
+                                                            // them apart from the statement
+  std::string error;                                        // why the run failed; empty
+};
+
+/// What a run tells of itself, after it ended or failed.
+Explanation explain(DefinitionRun const& run, DefinitionRun::Report kind, std::string error);
+
+/// The origin's name in documents: "user-filter".
+std::string originKey(moxRunOrigin origin);
+
+/// Where a part of a statement came from, in words.
+std::string originText(moxRunPart const& part, moxRunReport const& report);
+
+/// "units 3, 4 that the caller named": what the unit rule keeps to.
+std::string unitsText(moxRunReport const& report);
+
+/// The kind of a bound value, as documents name it: "int".
+std::string valueTypeKey(moxBoundValue::Type type);
+
+/// The explanation as a JSON document in UTF-8, indented, with a line end. Bytes that are no UTF-8
+/// become U+FFFD, and every control character is written as an escape.
+std::string explanationJson(Explanation const& explanation);
+
+}  // namespace mox::core
