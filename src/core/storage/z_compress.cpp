@@ -19,6 +19,14 @@ constexpr std::size_t kWindow = std::size_t{64} << 10;
   throw moxDefaultErrorImpl<moxError>(std::move(message));
 }
 
+[[noreturn]] void fail(std::string message, std::string const& where) {
+  throw moxDefaultErrorImpl<moxError>(std::move(message), {where});
+}
+
+std::string atByte(std::size_t offset) {
+  return "noticed at byte " + std::to_string(offset) + " of the compressed data";
+}
+
 /// What both directions share: a window of input filled from a cursor, and output that grows by a
 /// window at a time, so that a bound is noticed before much is written beyond it.
 class Stream {
@@ -106,7 +114,7 @@ class Inflater {
     }
     checkBounds();
     if (stream_.refill()) {
-      fail("The compressed data has further bytes behind its end.");
+      fail("The compressed data has further bytes behind its end.", atByte(stream_.consumed()));
     }
     return stream_.takeOutput();
   }
@@ -125,20 +133,28 @@ class Inflater {
       throw std::bad_alloc();
     }
     if (hasInput) {
-      fail("The compressed data is damaged.");
+      fail("The compressed data is damaged.", atByte(stream_.consumed()) + reason());
     }
-    fail(stream_.consumed() == 0 ? "The compressed data is empty."
-                                 : "The compressed data ends too early.");
+    if (stream_.consumed() == 0) {
+      fail("The compressed data is empty.");
+    }
+    fail("The compressed data ends too early.", atByte(stream_.consumed()));
+  }
+
+  std::string reason() {
+    return stream_.z().msg != nullptr ? std::string(": ") + stream_.z().msg : "";
   }
 
   void checkBounds() const {
     std::size_t const produced = stream_.produced();
     if (produced > bounds_.maxBytes) {
-      fail("The compressed data grows beyond " + std::to_string(bounds_.maxBytes) + " bytes.");
+      fail("The compressed data grows beyond " + std::to_string(bounds_.maxBytes) + " bytes.",
+           atByte(stream_.consumed()));
     }
     if (produced > bounds_.ratioAppliesFrom && produced / bounds_.maxRatio > stream_.consumed()) {
       fail("The compressed data grows beyond " + std::to_string(bounds_.maxRatio) +
-           " times its size.");
+               " times its size.",
+           atByte(stream_.consumed()));
     }
   }
 

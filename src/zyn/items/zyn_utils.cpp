@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 #include <stdexcept>
+#include <string_view>
+#include <vector>
 
 #include "mox/core/application.h"
 #include "mox/core/blob.h"
@@ -39,13 +41,11 @@ bool tellsFile(moxError const& error, std::string const& path) {
                      [&](std::string const& text) { return text.find(path) != std::string::npos; });
 }
 
-/// A failure as it was, with the file's name before its details.
+/// A failure as it was, with further details.
 class FileFailure final : public moxError {
  public:
-  FileFailure(moxError const& error, std::string const& path)
-      : message_(error.errorMessage()), code_(error.errorCode()), details_(error.errorDetails()) {
-    details_.insert(details_.begin(), "file: " + path);
-  }
+  FileFailure(moxError const& error, std::vector<std::string> details)
+      : message_(error.errorMessage()), code_(error.errorCode()), details_(std::move(details)) {}
 
   std::string errorMessage() const override { return message_; }
   std::vector<std::string> errorDetails() const override { return details_; }
@@ -57,6 +57,17 @@ class FileFailure final : public moxError {
   std::vector<std::string> details_;
 };
 
+/// `first`, the details of a failure, and `last` where it is not empty.
+std::vector<std::string> detailsWith(std::string const& first, moxError const& error,
+                                     std::string const& last = {}) {
+  auto details = error.errorDetails();
+  details.insert(details.begin(), first);
+  if (!last.empty()) {
+    details.push_back(last);
+  }
+  return details;
+}
+
 /// Reads a file by `read`; failures that do not tell which file it was get its name as a detail.
 template <class Read>
 auto namingFile(std::string const& path, Read const& read) {
@@ -66,13 +77,39 @@ auto namingFile(std::string const& path, Read const& read) {
     if (tellsFile(error, path)) {
       throw;
     }
-    throw FileFailure(error, path);
+    throw FileFailure(error, detailsWith("file: " + path, error));
   }
 }
 
-bool hasSignature(moxReadBlobCursor& file) {
-  std::array<char, binDataSignature.size()> head = {};
-  return file.read(head.data(), head.size()) == head.size() && head == binDataSignature;
+std::string hexByte(char byte) {
+  constexpr std::string_view kDigits = "0123456789ABCDEF";
+  auto const value = static_cast<unsigned char>(byte);
+  return {'0', 'x', kDigits[value >> 4], kDigits[value & 0xF]};
+}
+
+bool looksLikeXml(std::string_view head) {
+  constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+  head.remove_prefix(head.starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0);
+  return head.starts_with('<');
+}
+
+/// What is wrong with the first bytes of a file, for its author; empty when they are right.
+std::string defectOfHeader(std::string_view content) {
+  std::string_view const right(binDataSignature.data(), binDataSignature.size());
+  auto const head = content.substr(0, right.size());
+  if (head == right) {
+    return {};
+  }
+  if (looksLikeXml(head)) {
+    return "it begins like an open XML document";
+  }
+  auto const at = static_cast<std::size_t>(
+      std::mismatch(head.begin(), head.end(), right.begin()).first - head.begin());
+  if (at == head.size()) {
+    return "it ends after " + std::to_string(at) + " bytes, and the header has 10";
+  }
+  return "byte " + std::to_string(at) + (at < 2 ? ", the version of the format, is " : " is ") +
+         hexByte(head[at]) + " where " + hexByte(right[at]) + " belongs";
 }
 
 std::shared_ptr<moxZYNCollection> collectionOf(std::string const& path,
@@ -82,6 +119,16 @@ std::shared_ptr<moxZYNCollection> collectionOf(std::string const& path,
     own->setFile(path);
   }
   return collection;
+}
+
+std::shared_ptr<moxBlob> behindSignature(moxReadBlobCursor& document) {
+  auto const squeezed = compressor()->compress(document);
+  auto blob = moxApp->get<moxBlob>("moxBlob");
+  blob->resize(binDataSignature.size() + squeezed->size());
+  auto const cursor = blob->open();
+  cursor->write(binDataSignature.data(), binDataSignature.size());
+  cursor->write(squeezed->data(), squeezed->size());
+  return blob;
 }
 
 /// A new object of the same class, told the same by way of an element. The element bears the name
@@ -101,9 +148,9 @@ std::shared_ptr<T> copyByXml(T const& original) {
 
 }  // namespace
 
-zynUtils::FError::FError(std::string const& path)
+zynUtils::FError::FError(std::string const& path, std::string const& where)
     : moxDefaultErrorImpl<moxZYNUtils::FormatError>("Cabeçalho de dados incorreto.",
-                                                    {"file: " + path}) {}
+                                                    {"file: " + path, where}) {}
 
 void zynUtils::savePlainToFile(std::string const& path,
                                std::shared_ptr<moxZYNCollection> collection) {
@@ -162,25 +209,34 @@ std::shared_ptr<moxGenericFormatter> zynUtils::duplicateFormatter(
   return formatter ? copyByXml(*formatter) : nullptr;
 }
 
+std::shared_ptr<moxBlob> zynUtils::toFileContent(moxReadBlob const& document) const {
+  return behindSignature(*document.openRead());
+}
+
+std::shared_ptr<moxBlob> zynUtils::documentOf(moxReadBlob const& content,
+                                              std::string const& path) const {
+  auto const defect = defectOfHeader({content.data(), content.size()});
+  if (!defect.empty()) {
+    throw FError(path, defect);
+  }
+  auto const cursor = content.openRead();
+  std::array<char, binDataSignature.size()> header;
+  cursor->read(header.data(), header.size());
+  try {
+    return compressor()->decompress(*cursor);
+  } catch (moxError const& error) {
+    throw FileFailure(error, detailsWith("file: " + path, error,
+                                         "the compressed data begins at byte " +
+                                             std::to_string(header.size()) + " of the file"));
+  }
+}
+
 void zynUtils::toBinFile(std::string const& path, moxReadBlobCursor& document) {
-  auto const squeezed = compressor()->compress(document);
-  auto const blob = moxApp->get<moxBlob>("moxBlob");
-  blob->resize(binDataSignature.size() + squeezed->size());
-  auto const cursor = blob->open();
-  cursor->write(binDataSignature.data(), binDataSignature.size());
-  cursor->write(squeezed->data(), squeezed->size());
-  files()->saveFile(path, *blob);
+  files()->saveFile(path, *behindSignature(document));
 }
 
 std::shared_ptr<moxBlob> zynUtils::fromBinFile(std::string const& path) {
-  return namingFile(path, [&] {
-    auto const file = files()->readFile(path);
-    auto const cursor = file->openRead();
-    if (!hasSignature(*cursor)) {
-      throw FError(path);
-    }
-    return compressor()->decompress(*cursor);
-  });
+  return zynUtils().documentOf(*files()->readFile(path), path);
 }
 
 std::shared_ptr<moxZYNCollection> zynUtils::unserializeZYNC(moxReadBlob const& document) {

@@ -3,17 +3,19 @@
 #include <memory>
 #include <string>
 
+#include "mox/zyn/items/zyn_file_format.h"
 #include "mox/zyn/items/zyn_utils.h"
 
 class moxReadBlob;
 class moxReadBlobCursor;
 
-class zynUtils final : public moxZYNUtils {
+class zynUtils final : public moxZYNUtils, public moxZYNFileFormat {
  public:
-  /// A file that is no binary collection; its path is in the details.
+  /// A file that is no binary collection; its path is in the details, with what stands where
+  /// something else belongs.
   class FError final : public moxDefaultErrorImpl<moxZYNUtils::FormatError> {
    public:
-    explicit FError(std::string const& path);
+    FError(std::string const& path, std::string const& where);
   };
 
   std::string name() const override { return "moxZYNUtils"; }
@@ -30,6 +32,9 @@ class zynUtils final : public moxZYNUtils {
   std::shared_ptr<moxZYNItem> duplicateItem(std::shared_ptr<moxZYNItem> item) override;
   std::shared_ptr<moxGenericFormatter> duplicateFormatter(
       std::shared_ptr<moxGenericFormatter const> formatter) override;
+  std::shared_ptr<moxBlob> toFileContent(moxReadBlob const& document) const override;
+  std::shared_ptr<moxBlob> documentOf(moxReadBlob const& content,
+                                      std::string const& path) const override;
 
   /// Writes the document, from the cursor's place on, as a binary file.
   static void toBinFile(std::string const& path, moxReadBlobCursor& document);

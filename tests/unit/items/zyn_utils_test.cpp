@@ -6,6 +6,7 @@
 #include <fstream>
 #include <iterator>
 
+#include "mox/zyn/items/zyn_file_format.h"
 #include "mox/zyn/items/zyn_load_report.h"
 #include "support/temporary_directory.h"
 #include "unit/items/items_fixture.h"
@@ -31,6 +32,16 @@ class ZynUtils : public ItemsTest {
   std::string loadMessage(std::string const& bytes) {
     write("x.zcf", bytes);
     return messageOf([&] { utils_->loadBinaryFile(path("x.zcf")); });
+  }
+
+  std::vector<std::string> detailsOf(std::string const& bytes) {
+    write("x.zcf", bytes);
+    try {
+      utils_->loadBinaryFile(path("x.zcf"));
+    } catch (moxError const& error) {
+      return error.errorDetails();
+    }
+    return {};
   }
 
   TemporaryDirectory folder_;
@@ -104,8 +115,61 @@ TEST_F(ZynUtils, AWrongHeaderIsToldFromOtherFailuresAndNamesTheFile) {
     FAIL();
   } catch (moxZYNUtils::FormatError const& error) {
     EXPECT_NE(dynamic_cast<zynUtils::FError const*>(&error), nullptr);
-    EXPECT_EQ(error.errorDetails(), std::vector<std::string>{"file: " + path("x.zcf")});
+    EXPECT_EQ(error.errorDetails().at(0), "file: " + path("x.zcf"));
   }
+}
+
+TEST_F(ZynUtils, AWrongHeaderSaysWhatStandsWhere) {
+  struct Case {
+    std::string bytes;
+    std::string where;
+  };
+  std::string const newer = "\x02" + kSignature.substr(1);
+  std::string const later("\x01\x01MOXZYNC\x00", 10);
+  for (auto const& [bytes, where] : {
+           Case{"", "it ends after 0 bytes, and the header has 10"},
+           Case{kSignature.substr(0, 7), "it ends after 7 bytes, and the header has 10"},
+           Case{newer, "byte 0, the version of the format, is 0x02 where 0x01 belongs"},
+           Case{later, "byte 1, the version of the format, is 0x01 where 0x00 belongs"},
+           Case{kSignature.substr(0, 8) + "\xC7", "byte 8 is 0xC7 where 0x43 belongs"},
+           Case{kSignature.substr(0, 9) + "!", "byte 9 is 0x21 where 0x00 belongs"},
+           Case{"<?xml version='1.0'?>", "it begins like an open XML document"},
+           Case{"\xEF\xBB\xBF<a/>", "it begins like an open XML document"},
+       }) {
+    EXPECT_EQ(detailsOf(bytes), (std::vector{"file: " + path("x.zcf"), where}));
+  }
+}
+
+TEST_F(ZynUtils, DamagedDataIsToldWithItsPlaceInTheFile) {
+  utils_->saveBinaryToFile(path("a.zcf"), collection(kItems));
+  std::string const whole = read("a.zcf");
+  std::string const begin = "the compressed data begins at byte 10 of the file";
+  auto const noticed = [](std::size_t at, std::string const& reason = "") {
+    return "noticed at byte " + std::to_string(at) + " of the compressed data" + reason;
+  };
+  std::vector const empty{"file: " + path("x.zcf"), begin};
+  EXPECT_EQ(detailsOf(kSignature), empty);
+  std::vector const cut{"file: " + path("x.zcf"), noticed(whole.size() - 11), begin};
+  EXPECT_EQ(detailsOf(whole.substr(0, whole.size() - 1)), cut);
+  std::vector const more{"file: " + path("x.zcf"), noticed(whole.size() - 10), begin};
+  EXPECT_EQ(detailsOf(whole + "x"), more);
+  std::string changed = whole;
+  changed.back() = static_cast<char>(~changed.back());
+  std::vector const damaged{"file: " + path("x.zcf"),
+                            noticed(whole.size() - 10, ": incorrect data check"), begin};
+  EXPECT_EQ(detailsOf(changed), damaged);
+}
+
+TEST_F(ZynUtils, TheFormOfFilesIsOfferedForBytesInMemory) {
+  auto const format = std::dynamic_pointer_cast<moxZYNFileFormat>(utils_);
+  ASSERT_NE(format, nullptr);
+  utils_->saveBinaryToFile(path("a.zcf"), collection(kItems, "L"));
+  auto const document = utils_->getPlainData(collection(kItems, "L"), false);
+  auto const content = format->toFileContent(*document);
+  EXPECT_EQ(std::string(content->data(), content->size()), read("a.zcf"));
+  auto const again = format->documentOf(*content, "a.zcf");
+  EXPECT_EQ(std::string(again->data(), again->size()),
+            std::string(document->data(), document->size()));
 }
 
 TEST_F(ZynUtils, AFileCutAtAnyByteIsRefusedAndNothingIsWritten) {
