@@ -39,12 +39,14 @@ std::vector<fs::path> modulePaths(core::Settings const& settings) {
 
 }  // namespace
 
-Host::Host(GlobalOptions const& options)
+Host::Host(GlobalOptions const& options, Parts parts)
     : application_(readSettings(options)), units_(options.units) {
   for (auto const& path : modulePaths(application_.configuration())) {
     application_.loadModule(path);
   }
-  application_.start();
+  if (parts == Parts::kAll) {
+    application_.start();
+  }
   session_ = openSession(options);
   scope_ = std::make_unique<core::SessionScope>(session_);
 }

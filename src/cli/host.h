@@ -10,6 +10,12 @@
 
 namespace mox::cli {
 
+/// What of an application a command needs.
+enum class Parts {
+  kAll,      // the services too: the definitions are loaded
+  kClasses,  // modules only, so that damaged collections keep nobody from mending them
+};
+
 /// The application behind a command: settings read, modules loaded, services started, and the
 /// calling thread at work in a session of the user asked for. Lives as long as the command, in one
 /// thread.
@@ -17,7 +23,7 @@ class Host {
  public:
   /// Throws moxError for bad settings, a module that does not fit, an unknown user, and a unit that
   /// the user has no right to.
-  explicit Host(GlobalOptions const& options);
+  explicit Host(GlobalOptions const& options, Parts parts = Parts::kAll);
 
   core::Application& application() { return application_; }
 

@@ -35,7 +35,8 @@ constexpr char const* kFooter =
     "wrongly.";
 constexpr char const* kShortHelp =
     "usage: zyn [OPTIONS] COMMAND\n"
-    "commands: classes, sql; zyn --help tells more, zyn COMMAND --help all of one\n";
+    "commands: {}\n"
+    "zyn --help tells more, zyn COMMAND --help all of one\n";
 
 /// The line's one write keeps it whole beside the output of other programs.
 void reportFailure(std::string const& line) {
@@ -62,7 +63,9 @@ class Program {
     parser_.require_subcommand(0, 1);
     parser_.fallthrough();
     addGlobalOptions();
-    commands_ = {addClassesCommand(parser_), addSqlCommand(parser_)};
+    commands_ = {addClassesCommand(parser_), addItemsCommand(parser_),  addShowCommand(parser_),
+                 addPackCommand(parser_),    addUnpackCommand(parser_), addRunCommand(parser_),
+                 addExplainCommand(parser_), addSqlCommand(parser_)};
     for (auto const& command : commands_) {
       command.parser->group("Commands");
       command.parser->footer(command.parser->get_footer() +
@@ -115,12 +118,16 @@ class Program {
 
   /// What could not be placed, when no command was chosen: usually a command's name, mistyped.
   std::string unknownCommand() const {
+    return fmt::format("there is no command or option {}; the commands are {}",
+                       parser_.remaining().front(), commandNames());
+  }
+
+  std::string commandNames() const {
     std::vector<std::string> names;
     for (auto const& command : commands_) {
       names.push_back(command.parser->get_name());
     }
-    return fmt::format("there is no command or option {}; the commands are {}",
-                       parser_.remaining().front(), fmt::join(names, ", "));
+    return fmt::to_string(fmt::join(names, ", "));
   }
 
   int runChosen() {
@@ -130,7 +137,7 @@ class Program {
         return 0;
       }
     }
-    std::fputs(kShortHelp, stderr);
+    std::fputs(fmt::format(kShortHelp, commandNames()).c_str(), stderr);
     return kBadUsage;
   }
 

@@ -6,7 +6,7 @@ import shutil
 import socket
 
 import pytest
-from conftest import ZYN
+from conftest import COMMANDS, ZYN
 
 SELECT = ("sql", "select 1 as a")
 
@@ -14,8 +14,8 @@ SELECT = ("sql", "select 1 as a")
 @pytest.mark.parametrize(
     "arguments, line",
     [
-        (["foo"], "there is no command or option foo; the commands are classes, sql (see zyn --help)"),
-        (["--nope"], "there is no command or option --nope; the commands are classes, sql (see zyn --help)"),
+        (["foo"], f"there is no command or option foo; the commands are {', '.join(COMMANDS)} (see zyn --help)"),
+        (["--nope"], f"there is no command or option --nope; the commands are {', '.join(COMMANDS)} (see zyn --help)"),
         (["sql"], "STATEMENT is required (see zyn sql --help)"),
         ([*SELECT, "--format", "xml"], "--format: xml not in {table,csv,json,ndjson} (see zyn sql --help)"),
         ([*SELECT, "--nope"], "The following argument was not expected: --nope (see zyn sql --help)"),

@@ -4,9 +4,8 @@ import re
 import subprocess
 
 import pytest
-from conftest import ROOT, ZYN
+from conftest import COMMANDS, ROOT, ZYN
 
-COMMANDS = ["classes", "sql"]
 OPTION = re.compile(r"--[a-z][a-z-]*")
 
 
@@ -85,7 +84,7 @@ def completions(*words):
 def test_completion_offers_the_commands_and_global_options():
     assert completions("zyn", "") == set(COMMANDS)
     assert completions("zyn", "--") == options_of_help()
-    assert completions("zyn", "--quiet", "s") == {"sql"}
+    assert completions("zyn", "--quiet", "s") == {name for name in COMMANDS if name.startswith("s")}
 
 
 @pytest.mark.parametrize("command", COMMANDS)
@@ -96,6 +95,8 @@ def test_completion_offers_the_options_of_a_command(command):
 def test_completion_offers_the_values():
     assert completions("zyn", "sql", "--format", "") == {"table", "csv", "json", "ndjson"}
     assert completions("zyn", "sql", "--format", "n") == {"ndjson"}
+    assert completions("zyn", "show", "--format", "") == {"tree", "json"}
+    assert completions("zyn", "items", "--kind", "data") == {"data-source", "data-processor"}
     assert completions("zyn", "sql", "--where-word", "") == {"where", "and"}
 
 

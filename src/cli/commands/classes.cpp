@@ -1,6 +1,7 @@
 #include <CLI/CLI.hpp>
 
 #include "cli/commands/commands.h"
+#include "cli/commands/text_column.h"
 #include "cli/host.h"
 #include "cli/output/result_printer.h"
 #include "mox/zyn/matrix/data_matrix.h"
@@ -8,14 +9,6 @@
 namespace mox::cli {
 
 namespace {
-
-std::shared_ptr<moxDataMatrixTextColumn> addTextColumn(Host& host, moxDataMatrix& matrix,
-                                                       std::string const& name) {
-  auto column = host.make<moxDataMatrixTextColumn>("moxDataMatrixTextColumn");
-  column->setName(name);
-  matrix.addColumn(column);
-  return column;
-}
 
 std::shared_ptr<moxDataMatrix> listClasses(Host& host) {
   auto matrix = host.make<moxDataMatrix>("moxDataMatrix");

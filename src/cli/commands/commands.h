@@ -19,6 +19,12 @@ struct Command {
 /// Each adds a command's options to the program's parser. Defined in the file named like the
 /// command.
 Command addClassesCommand(CLI::App& program);
+Command addExplainCommand(CLI::App& program);
+Command addItemsCommand(CLI::App& program);
+Command addPackCommand(CLI::App& program);
+Command addRunCommand(CLI::App& program);
+Command addShowCommand(CLI::App& program);
 Command addSqlCommand(CLI::App& program);
+Command addUnpackCommand(CLI::App& program);
 
 }  // namespace mox::cli

@@ -1,0 +1,94 @@
+#include "cli/definitions/collection_reader.h"
+
+#include <fmt/format.h>
+
+#include "mox/core/blob.h"
+#include "mox/core/file_operations.h"
+#include "mox/core/xml.h"
+#include "mox/zyn/items/zyn_item.h"
+#include "mox/zyn/items/zyn_load_report.h"
+
+namespace mox::cli {
+
+namespace {
+
+constexpr char const* kRoot = "moxZYNCollection";
+
+[[noreturn]] void fail(std::string const& place, std::string const& what) {
+  throw moxDefaultErrorImpl<moxError>(place + ": " + what);
+}
+
+/// Runs `read`; a failure gets the place in front.
+template <class Read>
+auto at(std::string const& place, Read const& read) {
+  try {
+    return read();
+  } catch (moxPluginNotFound const&) {
+    throw;
+  } catch (moxError const& error) {
+    std::string text = error.errorMessage();
+    for (auto const& detail : error.errorDetails()) {
+      text += "; " + detail;
+    }
+    fail(place, text);
+  }
+}
+
+std::string placeOf(std::string const& path, moxXMLNode const& element) {
+  return fmt::format("{}:{}", path, element.line());
+}
+
+}  // namespace
+
+OpenCollection CollectionReader::read(std::string const& path) {
+  auto const bytes = host_.make<moxFileOperations>("moxFileOperations")->readFile(path);
+  auto const document = host_.make<moxXMLDocument>("moxXMLDocument");
+  at(path, [&] { document->parse(*bytes); });
+  auto const root = document->root();
+  if (root->elementName() != kRoot) {
+    fail(placeOf(path, *root), fmt::format("the root element is {}, and that of a collection is {}",
+                                           root->elementName(), kRoot));
+  }
+  for (int i = 0; auto const element = root->childByIndex(i); ++i) {
+    readElement(path, element);
+  }
+  return {path, bytes, root->readAttribute("parentLibraryName")};
+}
+
+void CollectionReader::readElement(std::string const& path,
+                                   std::shared_ptr<moxXMLNode> const& element) {
+  auto const name = element->elementName();
+  auto const place = placeOf(path, *element);
+  try {
+    auto const item = host_.application().get<moxZYNItem>(name);
+    if (!item) {
+      return takeAlong(place, name, "its class is no definition that is available here");
+    }
+    if (!at(place, [&] { return item->load(element); })) {
+      fail(place, name + " is not complete: its class refuses it");
+    }
+    if (auto const* const report = dynamic_cast<moxZYNLoadReport const*>(item.get())) {
+      for (auto const& left : report->skippedElements()) {
+        takeAlong(fmt::format("{}:{}", path, left.line), left.elementName, left.reason);
+      }
+    }
+    remember(item->description(), place);
+  } catch (moxPluginNotFound const& error) {
+    takeAlong(place, name, error.errorMessage());
+  }
+}
+
+void CollectionReader::takeAlong(std::string const& place, std::string const& element,
+                                 std::string const& reason) {
+  notes_.add(fmt::format("{}: {} is taken along unread: {}", place, element, reason));
+}
+
+void CollectionReader::remember(std::string const& description, std::string const& place) {
+  auto const [known, isNew] = places_.emplace(description, place);
+  if (!isNew) {
+    notes_.add(fmt::format("{}: \"{}\" is defined at {} already, which is the one that is found",
+                           place, description, known->second));
+  }
+}
+
+}  // namespace mox::cli

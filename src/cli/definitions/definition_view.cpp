@@ -1,0 +1,69 @@
+#include "cli/definitions/definition_view.h"
+
+#include "cli/definitions/definition_list.h"
+#include "cli/definitions/source_view.h"
+#include "mox/core/error.h"
+#include "mox/zyn/format/generic_formatter.h"
+#include "mox/zyn/items/formatter_zyn_item.h"
+#include "mox/zyn/items/zyn_pack.h"
+#include "mox/zyn/search/search.h"
+
+namespace mox::cli {
+
+namespace {
+
+void addSetting(DefinitionView& view, std::string const& name, std::string const& value) {
+  if (!value.empty()) {
+    view.settings.emplace_back(name, value);
+  }
+}
+
+void addFormatter(DefinitionView& view, moxFormatterZYNItem const& item) {
+  if (auto const formatter = item.getFormatter()) {
+    addSetting(view, "formatter", formatter->name());
+    addSetting(view, "prefix", formatter->getPrefix());
+    addSetting(view, "suffix", formatter->getSuffix());
+  }
+}
+
+void addPack(DefinitionView& view, moxZYNPack const& pack) {
+  for (auto const& item : pack.items().get()) {
+    addSetting(view, "holds", item ? item->name() : "");
+  }
+}
+
+void addSearch(DefinitionView& view, moxSearch const& search) {
+  addSetting(view, "heading", search.getHeaderName());
+  addSetting(view, "source", search.dataSourceExterno());
+  try {
+    if (auto const source = search.getDataSource()) {
+      addColumns(view, *source);
+      view.dependencies = {dependencyTree(*source)};
+    }
+  } catch (moxError const& error) {
+    // A definition whose source is missing can still be looked at, to see what it misses.
+    addSetting(view, "defect", error.errorMessage());
+  }
+}
+
+}  // namespace
+
+DefinitionView viewOf(moxZYNItem const& item) {
+  DefinitionView view;
+  view.name = item.description();
+  view.kind = kindWord(item);
+  view.className = item.name();
+  view.library = item.getParentLibName();
+  if (auto const* const formatter = dynamic_cast<moxFormatterZYNItem const*>(&item)) {
+    addFormatter(view, *formatter);
+  } else if (auto const* const pack = dynamic_cast<moxZYNPack const*>(&item)) {
+    addPack(view, *pack);
+  } else if (auto const* const search = dynamic_cast<moxSearch const*>(&item)) {
+    addSearch(view, *search);
+  } else if (auto const* const source = dynamic_cast<moxDataSource const*>(&item)) {
+    addSource(view, *source);
+  }
+  return view;
+}
+
+}  // namespace mox::cli
