@@ -1,16 +1,29 @@
 #!/bin/sh
-# The example, end to end: makes the school network's database and asks it a question the whole way, through program,
-# framework, module, database, column tables and sorter.
+# The example, end to end: makes the school network's database, packs its definitions, and runs three of them for two
+# users of different units, the whole way through program, framework, module, database, column tables and formatters.
 #
 # usage: demo.sh BUILD_DIR DEMO_DIR     BUILD_DIR holds bin/ and lib/; everything is written below DEMO_DIR
 set -eu
 
 build=$1
 demo=$2
-zyn="$build/bin/zyn"
-user=rosangela
+here=$(dirname "$0")
 
-mkdir -p "$demo"
+mkdir -p "$demo/collections"
+
+zyn() {
+  "$build/bin/zyn" --config "$demo/zyn.toml" --quiet "$@"
+}
+
+# for_both NAME [options]: what each of the two sees; the texts in brackets say which unit a row belongs to.
+for_both() {
+  echo
+  echo "   \"$1\" for joaquim"
+  zyn --user joaquim run --format table "$@"
+  echo
+  echo "   \"$1\" for iara"
+  zyn --user iara --unit 6 --unit 7 run --format table "$@"
+}
 
 echo
 echo "1. The database of a school network: $demo/escola.db"
@@ -21,34 +34,36 @@ cat >"$demo/zyn.toml" <<'TOML'
 
 [database]
 url = "sqlite:escola.db"
+
+[ZYNCollectionDirs]
+escola = "collections"
 TOML
-"$zyn" --config "$demo/zyn.toml" --quiet sql \
-  "select (select count(*) from ambiente_unidades) as units, (select count(*) from escola_alunos) as students,
+zyn sql "select (select count(*) from ambiente_unidades) as units, (select count(*) from escola_alunos) as students,
           (select count(*) from escola_notas) as grades, (select count(*) from escola_faturas) as invoices" \
   --format table
 
 echo
-echo "2. How the network's schools did in each subject this year, best first, as its director $user may see it"
-question="select * from (
-    select n.id_unidade, u.cidade, d.nome as disciplina, count(n.nota) as notas,
-           round(avg(n.nota), 2) as media, min(n.nota) as menor, max(n.nota) as maior,
-           sum(n.faltas) as faltas, max(n.lancada_em) as ultimo_lancamento
-    from escola_notas n
-    inner join escola_matriculas m on m.id = n.id_matricula
-    inner join escola_turmas t on t.id = m.id_turma
-    inner join escola_disciplinas d on d.id = n.id_disciplina
-    inner join ambiente_unidades u on u.id = n.id_unidade
-    where t.ano = 2024
-    group by n.id_unidade, u.cidade, d.nome) resumo"
-ask() {
-  "$zyn" --config "$demo/zyn.toml" --user "$user" --unit 1 --unit 2 --unit 3 --unit 4 --unit 5 --quiet \
-    sql "$question" --unit-column resumo.id_unidade --sort media:desc,cidade,disciplina "$@"
-}
-ask --format csv --out "$demo/medias.csv"
-ask --format table --limit 12
-echo "   all $(($(wc -l <"$demo/medias.csv") - 1)) lines: $demo/medias.csv"
+echo "2. What is asked of it is declared: $here/definitions, packed into $demo/collections/escola.zcf"
+zyn pack "$here/definitions" --out "$demo/collections/escola.zcf"
+zyn items --format csv --out "$demo/items.csv"
+echo "   zyn items lists $(($(wc -l <"$demo/items.csv") - 1)):"
+tail -n +2 "$demo/items.csv" | cut -d, -f1 | paste -sd, | sed 's/,/, /g' | fold -s -w 110 | sed 's/^/   /'
 
 echo
-echo "3. Go on by hand:"
-echo "   $zyn --config $demo/zyn.toml sql 'select nome, cidade from ambiente_unidades' --sort nome"
-echo "   $zyn --config $demo/zyn.toml classes"
+echo "3. Three of them, for the head of the unit 3 (joaquim) and the director of the units 6 and 7 (iara)"
+for_both "Cursos da rede"
+for_both "Vagas por turma" --limit 5
+for_both "Faturas em aberto" --filter vencidasAte=2024-06-30 --limit 5
+
+echo
+echo "4. Why is this what joaquim gets?"
+zyn --user joaquim explain "Faturas em aberto" --filter vencidasAte=2024-06-30 --out "$demo/explain.txt"
+sed -n 's/^/ /; /conditions/,$p' "$demo/explain.txt"
+echo "   from $demo/explain.txt, which holds the statement and all values"
+
+echo
+echo "5. Go on by hand:"
+echo "   $build/bin/zyn --config $demo/zyn.toml --user iara --unit 6 --unit 7 run 'Médias por disciplina'"
+echo "   $build/bin/zyn --config $demo/zyn.toml show 'Matrículas'"
+echo "   $build/bin/zyn --config $demo/zyn.toml sql 'select nome, cidade from ambiente_unidades' --sort nome"
+echo "   docs/tutorial/first-definition.md writes a definition from an empty file"
