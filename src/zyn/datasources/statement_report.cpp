@@ -50,7 +50,7 @@ void recordStatement(RunRecorder& recorder, moxComposedSelect const& select,
   }
   for (auto const& condition : select.conditions) {
     if (condition.sql.empty() && condition.values.empty()) {
-      recorder.filterIgnored(condition.filter, "it has no value");
+      recorder.filterIgnored(condition.filter, "it has neither a condition nor a value");
       continue;
     }
     statement.conditions.push_back(conditionPart(condition, filters.conditions()));
