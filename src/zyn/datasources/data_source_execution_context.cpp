@@ -100,20 +100,21 @@ std::vector<std::string> namesOfGroup(std::string const& groupName, std::string 
   return names;
 }
 
-/// Ends the record of a source on every way out of it.
+/// Ends the record of a source on every way out of it, in the report where it began.
 class RecordedSource {
  public:
-  RecordedSource(RunRecorder& recorder, moxDataSourceToProcess const& entry, bool executes)
-      : recorder_(recorder) {
-    recorder_.sourceStarted(entry.first, entry.second.second->name(), executes);
+  RecordedSource(std::shared_ptr<RunRecorder> recorder, moxDataSourceToProcess const& entry,
+                 bool executes)
+      : recorder_(std::move(recorder)) {
+    recorder_->sourceStarted(entry.first, entry.second.second->name(), executes);
   }
-  ~RecordedSource() { recorder_.sourceFinished(); }
+  ~RecordedSource() { recorder_->sourceFinished(); }
 
   RecordedSource(RecordedSource const&) = delete;
   RecordedSource& operator=(RecordedSource const&) = delete;
 
  private:
-  RunRecorder& recorder_;
+  std::shared_ptr<RunRecorder> const recorder_;
 };
 
 std::vector<std::string> namesOf(Context::List const& list) {
@@ -213,7 +214,7 @@ void DataSourceExecutionContext::runEntry(moxDataSourceToProcess const& entry) {
 /// A source without a statement has nothing to show unless it is executed; its place is taken by an
 /// empty matrix.
 void DataSourceExecutionContext::runRecorded(moxDataSourceToProcess const& entry, bool needed) {
-  RecordedSource const recorded(*recorder_, entry, needed);
+  RecordedSource const recorded(recorder_, entry, needed);
   if (recorder_->executes() || hasStatement(entry)) {
     runEntry(entry);
   } else if (!entry.first.empty()) {
@@ -279,7 +280,7 @@ moxRunReport DataSourceExecutionContext::runReport() const {
 }
 
 void DataSourceExecutionContext::appendContext(
-    std::shared_ptr<moxDataSourceExecutionContext> child, std::string const& filterSource,
+    std::shared_ptr<moxDataSourceExecutionContext> const& child, std::string const& filterSource,
     std::string const& groupName, std::string const& targetName,
     std::vector<ManageFilterData> const& manageData) const {
   if (!child || child.get() == this) {

@@ -62,7 +62,7 @@ class DataSourceExecutionContext final
   /// `filterSource`, each name once, and those given for a manager that it lets through. The fixed
   /// ones arrive as fixed ones. The child lives as long as this context, and what it runs is part
   /// of this run's report. Throws std::invalid_argument for an empty child and for this context.
-  void appendContext(std::shared_ptr<moxDataSourceExecutionContext> child,
+  void appendContext(std::shared_ptr<moxDataSourceExecutionContext> const& child,
                      std::string const& filterSource, std::string const& groupName,
                      std::string const& targetName,
                      std::vector<ManageFilterData> const& manageData) const;

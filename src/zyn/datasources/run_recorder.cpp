@@ -19,8 +19,7 @@ bool RunRecorder::executes() const {
 }
 
 void RunRecorder::statement(moxRunStatement statement) {
-  assert(!open_.empty());
-  report_.sources[open_.back().index].statements.push_back(std::move(statement));
+  sourceAtWork().statements.push_back(std::move(statement));
 }
 
 void RunRecorder::filterUsed(Filter const& filter) {
@@ -45,20 +44,22 @@ void RunRecorder::sourceStarted(std::string const& name, std::string const& exec
                                 bool executes) {
   bool const executesToo = executes || this->executes();
   report_.sources.push_back({name, executionClass, executesToo, {}, 0, 0});
-  open_.push_back({report_.sources.size() - 1, executesToo, Clock::now()});
+  open_.push_back({report_.sources.size() - 1, executesToo, name.empty(), Clock::now()});
 }
 
+/// The result is the last matrix that a source registers: a group may have been given others.
 void RunRecorder::matrixRegistered(std::string const& name, std::int64_t rows) {
-  if (open_.empty()) {
-    return;
+  if (open_.empty() && !unlisted_) {
+    return;  // handed in by the caller
   }
-  auto& source = report_.sources[open_.back().index];
-  if (source.name.empty()) {
+  auto& source = sourceAtWork();
+  if (open_.empty() || open_.back().unnamed) {
     source.name = name;
   }
   if (source.name == name) {
     source.rows = rows;
   }
+  unlisted_.reset();
 }
 
 void RunRecorder::sourceFinished() {
@@ -67,6 +68,18 @@ void RunRecorder::sourceFinished() {
   report_.sources[open.index].seconds =
       std::chrono::duration<double>(Clock::now() - open.start).count();
   open_.pop_back();
+}
+
+/// A SQL source may also be run by hand, outside a list: it has no time, and its matrix names it.
+moxRunSource& RunRecorder::sourceAtWork() {
+  if (!open_.empty()) {
+    return report_.sources[open_.back().index];
+  }
+  if (!unlisted_) {
+    unlisted_ = report_.sources.size();
+    report_.sources.emplace_back().executed = executes();
+  }
+  return report_.sources[*unlisted_];
 }
 
 moxRunReport RunRecorder::report(FiltersBySource const& given) const {

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -76,15 +77,18 @@ class RunRecorder {
   struct OpenSource {
     std::size_t index;  // in report_.sources
     bool executes;
+    bool unnamed;  // in its list
     Clock::time_point start;
   };
 
+  moxRunSource& sourceAtWork();
   std::string whyIgnored(std::string const& source, Filter const& filter) const;
   std::string whySourceIgnores(std::string const& source) const;
 
   Mode const mode_;
   moxRunReport report_;
-  std::vector<OpenSource> open_;  // the innermost last
+  std::vector<OpenSource> open_;         // the innermost last
+  std::optional<std::size_t> unlisted_;  // the source at work when none is open
   std::set<std::string> listedNames_;
   std::set<std::string> askedNames_;
   std::set<Filter> used_;  // shared, so that no address comes up a second time

@@ -44,7 +44,7 @@ class RunReportTest : public ContextTest {
 
   moxRunReport report() const { return context_->runReport(); }
 
-  /// "name class rows", with "composed" in place of the rows of a source that was not executed.
+  /// "name executed rows", or "name composed rows" for a source that was not executed.
   Texts sources() const {
     Texts told;
     for (auto const& source : report().sources) {
@@ -92,11 +92,12 @@ TEST_F(RunReportTest, SourcesWithClassRowsAndTimeInTheirOrder) {
   EXPECT_GE(kept.sources[0].seconds, 0.0);
 }
 
-TEST_F(RunReportTest, SourceWithoutATargetIsNamedByItsMatrix) {
-  context_->keepRunReport();
+TEST_F(RunReportTest, SourceWithoutATargetIsNamedByItsLastMatrix) {
   auto const ownName = [](auto const& context, std::string const&) {
+    EXPECT_TRUE(context->registerDataMatrix("given", matrix({{"a", ints(1)}})));
     return context->registerDataMatrix("alunos", matrix({{"a", ints(1, 2, 3, 4)}}));
   };
+  context_->keepRunReport();
   run({entry("", std::make_shared<FakeExecution>(ownName))});
   EXPECT_EQ(sources(), Texts{"alunos executed 4"});
 }
@@ -141,6 +142,31 @@ TEST_F(RunReportTest, ExceptionLeavesTheReportUpToThere) {
   EXPECT_EQ(sources(), (Texts{"a executed 2", "b executed 0"}));
   EXPECT_EQ(report().sources[1].statements.at(0).sql, "select broken");
   EXPECT_EQ(ignored(), Texts{"c.x: the run ended before source \"c\""});
+}
+
+TEST_F(RunReportTest, StatementOfASourceThatIsRunByHand) {
+  context_->keepRunReport();
+  sqlSource("select 1")->generateDataMatrix(context_, "a");
+  sqlSource("select 2")->generateDataMatrix(context_, "b");
+  EXPECT_EQ(sources(), (Texts{"a executed 3", "b executed 3"}));
+  EXPECT_EQ(report().sources[1].statements.at(0).sql, "select 2");
+}
+
+TEST_F(RunReportTest, MatrixThatTheCallerHandsInIsNoSource) {
+  context_->keepRunReport();
+  context_->registerDataMatrix("given", matrix({}));
+  run({entry("a")});
+  EXPECT_EQ(sources(), Texts{"a executed 2"});
+}
+
+TEST_F(RunReportTest, ReportThatIsBegunAnewWhileASourceRuns) {
+  auto const renewing = [this](auto const& context, auto const& target) {
+    context_->keepRunReport();
+    return context->registerDataMatrix(target, matrix({}));
+  };
+  context_->keepRunReport();
+  run({entry("a", std::make_shared<FakeExecution>(renewing)), entry("b")});
+  EXPECT_EQ(sources(), Texts{"b executed 2"});
 }
 
 // Filters without effect.
