@@ -130,10 +130,10 @@ void DefinitionRun::setUnits(std::vector<int> units) {
 }
 
 void DefinitionRun::setFilters(std::vector<std::string> const& texts) {
-  setFilters(readFilterArguments(texts, offers_));
+  setFilterArguments(readFilterArguments(texts, offers_));
 }
 
-void DefinitionRun::setFilters(std::vector<FilterArgument> const& arguments) {
+void DefinitionRun::setFilterArguments(std::vector<FilterArgument> const& arguments) {
   if (filtersSet_) {
     throw std::logic_error("the filters of a run are set once");
   }
@@ -169,7 +169,7 @@ void DefinitionRun::keepReport(Report report) {
 std::shared_ptr<moxDataMatrix> DefinitionRun::run(
     std::shared_ptr<moxDataSourceExecutionProgressNotifier> notifier) {
   if (!filtersSet_) {
-    setFilters(std::vector<FilterArgument>());
+    setFilterArguments({});
   }
   try {
     context_->processDataSources(std::move(notifier), list_, units_, 0);

@@ -52,8 +52,8 @@ class DefinitionRun {
   /// is missing. Called once at most; run calls it when nobody did.
   void setFilters(std::vector<std::string> const& texts);
 
-  /// The same, understood by a form.
-  void setFilters(std::vector<FilterArgument> const& arguments);
+  /// The same, understood by a form; in place of setFilters.
+  void setFilterArguments(std::vector<FilterArgument> const& arguments);
 
   /// The filters as they went into the run: kept to units where need be.
   std::vector<FilterArgument> const& filters() const { return filters_; }

@@ -166,6 +166,26 @@ FilterValueKind kindOf(moxFilterSpecification const& specification) {
           text != nullptr && text->getRemovePunctuation()};
 }
 
+/// A token stands for one value; what a list holds beyond the first would silently not count.
+void demandOneForToken(moxFilterSpecification const& specification, FilterValue const& value) {
+  auto const isList = [](auto const& given) {
+    if constexpr (requires { given.values; }) {
+      return given.values.size() > 1;
+    } else {
+      return false;
+    }
+  };
+  if (isToken(specification.getColumn()) && std::visit(isList, value)) {
+    throw FilterArgumentError("a token takes one value");
+  }
+}
+
+FilterValue readValue(moxFilterSpecification const& specification, std::string_view text) {
+  auto value = readFilterValue(text, kindOf(specification));
+  demandOneForToken(specification, value);
+  return value;
+}
+
 bool isGiven(FilterOffer const& offer, std::vector<FilterArgument> const& arguments) {
   return std::any_of(arguments.begin(), arguments.end(), [&](FilterArgument const& argument) {
     return argument.offer.specification == offer.specification;
@@ -201,7 +221,7 @@ FilterArgument readFilterArgument(std::string const& text, Offers const& offers)
   auto const value = std::string_view(text).substr(found.nameLength + 1);
   auto const& offer = bestForm(found.offers, looksLike(value));
   try {
-    return {offer, readFilterValue(value, kindOf(*offer.specification)), text};
+    return {offer, readValue(*offer.specification, value), text};
   } catch (FilterArgumentError const& error) {
     throw FilterArgumentError("filter " + quotedForMessage(text) + ": " + error.errorMessage());
   }
@@ -242,6 +262,9 @@ std::string filterLabel(moxFilterSpecification const& specification) {
   auto const column = specification.getColumn();
   if (isToken(column)) {
     return withoutBraces(column);
+  }
+  if (auto const bound = specification.getSQLDataSourceColumn()) {
+    return bound->getColumnName();
   }
   bool const isExpression = column.find_first_of(" (@\n") != column.npos;
   return isExpression && !specification.getDescription().empty() ? specification.getDescription()

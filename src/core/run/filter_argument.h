@@ -40,8 +40,8 @@ std::vector<FilterArgument> readFilterArguments(std::vector<std::string> const& 
 void demandRequiredFilters(std::vector<FilterArgument> const& arguments,
                            std::vector<FilterOffer> const& offers);
 
-/// How a filter is called on the command line: its token without braces, its column, or its label
-/// where the column is an expression.
+/// How a filter is called in lists of what is offered: its token without braces, its column by the
+/// name in the result where it is bound to one, or its label where the column is an expression.
 std::string filterLabel(moxFilterSpecification const& specification);
 
 /// The condition for the module, made by the specification and filled with the values. What is kept
