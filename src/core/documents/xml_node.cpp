@@ -11,13 +11,29 @@ namespace mox::core {
 
 namespace {
 
-std::string_view attributeOf(pugi::xml_node node, std::string_view name) {
-  for (pugi::xml_attribute const attribute : node.attributes()) {
-    if (name == attribute.name()) {
-      return attribute.value();
+/// Whether a text that ends in a NUL is `wanted`. Most names differ at once, so that looking for
+/// the end first would be most of the work.
+bool isText(char const* text, std::string_view wanted) {
+  for (char const c : wanted) {
+    if (*text != c || c == '\0') {
+      return false;
     }
+    ++text;
   }
-  return {};
+  return *text == '\0';
+}
+
+pugi::xml_attribute findAttribute(pugi::xml_attribute from, pugi::xml_attribute until,
+                                  std::string_view name) {
+  auto at = from;
+  while (at != until && !isText(at.name(), name)) {
+    at = at.next_attribute();
+  }
+  return at != until ? at : pugi::xml_attribute();
+}
+
+std::string_view attributeOf(pugi::xml_node node, std::string_view name) {
+  return findAttribute(node.first_attribute(), {}, name).value();
 }
 
 /// What a child is looked for by.
@@ -28,7 +44,7 @@ struct Wanted {
 
   bool matches(pugi::xml_node node) const {
     return node.type() == pugi::node_element &&
-           (elementName.empty() || elementName == node.name()) &&
+           (elementName.empty() || isText(node.name(), elementName)) &&
            (attributeName.empty() || attributeOf(node, attributeName) == attributeValue);
   }
 
@@ -124,7 +140,16 @@ std::shared_ptr<moxXMLNode> XmlNode::addChild(std::string_view name) {
 }
 
 std::string XmlNode::readAttribute(std::string_view name) const {
-  return std::string(attributeOf(node_, name));
+  auto const first = node_.first_attribute();
+  auto const start = next_.changes == tree_->changes() && next_.at ? next_.at : first;
+  auto found = findAttribute(start, {}, name);
+  if (!found && start != first) {
+    found = findAttribute(first, start, name);
+  }
+  if (found) {
+    next_ = {found.next_attribute(), tree_->changes()};
+  }
+  return found.value();
 }
 
 void XmlNode::writeAttribute(std::string_view name, std::string_view value) {

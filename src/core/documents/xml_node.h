@@ -42,9 +42,16 @@ class XmlNode : public moxXMLNode {
     std::uint64_t changes = 0;  // valid while the tree's number is the same
   };
 
+  /// Where an attribute is looked for first: most are read in the order in which they stand.
+  struct NextAttribute {
+    pugi::xml_attribute at;
+    std::uint64_t changes = 0;  // as Walk's
+  };
+
   std::shared_ptr<XmlTree> tree_;
   pugi::xml_node node_;
   int depth_;
+  mutable NextAttribute next_;
   mutable Walk walk_;
 };
 

@@ -27,15 +27,16 @@ inline constexpr Order kTableFirst{{kTable, kColumn, kTableOrigin, kColumnOrigin
 inline constexpr Order kColumnFirst{{kColumn, kTable, kColumnOrigin, kTableOrigin}};
 inline constexpr Order kOriginFirst{{kColumnOrigin, kTableOrigin, kColumn, kTable}};
 inline constexpr Order kTableOriginFirst{{kTableOrigin, kColumnOrigin, kTable, kColumn}};
+inline constexpr Order kTablesApart{{kTable, kTableOrigin, kColumn, kColumnOrigin}};
 
 inline Names namesOf(moxSQLDataSourceColumn const& column) {
   return {column.getTableNameOrigin(), column.getColumnNameOrigin(), column.getTableName(),
           column.getColumnName()};
 }
 
-inline Names read(moxXMLNode const& node) {
+inline Names read(moxXMLNode const& node, Order const& order) {
   Names names;
-  for (auto const& attribute : kTableFirst) {
+  for (auto const& attribute : order) {
     names.*attribute.field = node.readAttribute(attribute.name);
   }
   return names;

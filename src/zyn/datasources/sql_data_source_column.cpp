@@ -91,10 +91,10 @@ bool SQLDataSourceColumn::Reference::names(moxSQLDataSourceColumn const& other) 
 }
 
 void SQLDataSourceColumn::bindReferences(Column const& column) {
-  if (iconReference_.names(*column)) {
+  if (references_->icon.names(*column)) {
     iconColumn_ = column;
   }
-  if (idReference_.names(*column)) {
+  if (references_->key.names(*column)) {
     idColumn_ = column;
   }
 }
@@ -136,13 +136,12 @@ bool SQLDataSourceColumn::load(std::shared_ptr<moxXMLNode> node) {
     return false;
   }
   loadAttributes(*node);
-  iconReference_ = readReference(*node, kIcon);
-  idReference_ = readReference(*node, kKey);
+  loadReferences(*node);
   loadFormatters(*node);
   loadFiltersType(*node);
   loadExpression(*node);
   for (int i = 0; auto const origin = node->childByIndex(i, kColumnSourceOrigin); ++i) {
-    columnOrigin_.push_back(column_reference::read(*origin));
+    columnOrigin_.push_back(column_reference::read(*origin, column_reference::kTableOriginFirst));
   }
   return true;
 }
@@ -165,7 +164,7 @@ bool SQLDataSourceColumn::save(std::shared_ptr<moxXMLNode> node) {
 }
 
 void SQLDataSourceColumn::loadAttributes(moxXMLNode const& node) {
-  names_ = column_reference::read(node);
+  names_ = column_reference::read(node, column_reference::kTablesApart);
   if (names_.columnName.empty()) {
     names_.columnName = node.readAttribute("dbName");
   }
@@ -178,10 +177,7 @@ void SQLDataSourceColumn::loadAttributes(moxXMLNode const& node) {
 }
 
 void SQLDataSourceColumn::saveAttributes(moxXMLNode& node) const {
-  node.writeAttribute("tableName", names_.tableName);
-  node.writeAttribute("tableNameOrigin", names_.tableNameOrigin);
-  node.writeAttribute("columnName", names_.columnName);
-  node.writeAttribute("columnNameOrigin", names_.columnNameOrigin);
+  column_reference::write(node, names_, column_reference::kTablesApart);
   node.writeAttribute("VisibleName", visibleName_);
   xml_attributes::writeInt(node, "ColumnWidth", width_);
   xml_attributes::writeBool(node, "Visible", visible_);
@@ -199,6 +195,12 @@ SQLDataSourceColumn::Reference SQLDataSourceColumn::readReference(moxXMLNode con
     return {child->readAttribute("tableName"), child->readAttribute("columnName")};
   }
   return {{}, node.readAttribute(element)};
+}
+
+void SQLDataSourceColumn::loadReferences(moxXMLNode const& node) {
+  References read = {readReference(node, kIcon), readReference(node, kKey)};
+  bool const isNone = read.icon.isEmpty() && read.key.isEmpty();
+  references_ = isNone ? nullptr : std::make_unique<References>(std::move(read));
 }
 
 void SQLDataSourceColumn::loadFormatters(moxXMLNode const& node) {

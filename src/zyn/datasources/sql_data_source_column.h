@@ -74,14 +74,13 @@ class SQLDataSourceColumn final : public moxSQLDataSourceColumn {
   /// name that no column has leaves the reference empty. To be called when all columns are there.
   template <class SourcePointer>
   void updateRelations(SourcePointer const& source) {
-    if (iconReference_.isEmpty() && idReference_.isEmpty()) {
+    if (!references_) {
       return;
     }
     for (auto const& column : source->columns()) {
       bindReferences(column);
     }
-    iconReference_ = {};
-    idReference_ = {};
+    references_.reset();
   }
 
   /// Lets go of the icon and key columns, which may refer back and would keep each other alive.
@@ -104,9 +103,15 @@ class SQLDataSourceColumn final : public moxSQLDataSourceColumn {
     bool names(moxSQLDataSourceColumn const& other) const;
   };
 
+  struct References {
+    Reference icon;
+    Reference key;
+  };
+
   static Reference readReference(moxXMLNode const& node, char const* element);
   void bindReferences(Column const& column);
   void loadAttributes(moxXMLNode const& node);
+  void loadReferences(moxXMLNode const& node);
   void loadFormatters(moxXMLNode const& node);
   void loadFiltersType(moxXMLNode const& node);
   void loadExpression(moxXMLNode const& node);
@@ -123,8 +128,7 @@ class SQLDataSourceColumn final : public moxSQLDataSourceColumn {
   std::string visibleName_;
   std::string dataType_;
   SQLColum names_;
-  Reference iconReference_;  // from load until updateRelations
-  Reference idReference_;    // as iconReference_
+  std::unique_ptr<References> references_;  // from load until updateRelations, where there are any
   std::vector<StringPair> allowedFiltersType_;
   Column idColumn_;
   Column iconColumn_;

@@ -126,6 +126,28 @@ TEST(XmlNodeAttributes, WritingReplacesInPlaceAndAppendsNewOnes) {
   EXPECT_EQ(document.writeText(0, 0), "<r a=\"x\" b=\"2\" c=\"3\"/>");
 }
 
+TEST(XmlNodeAttributes, AreReadInAnyOrder) {
+  auto const node = rootOf("<r a=\"1\" ab=\"2\" b=\"3\" c=\"4\"/>");
+  std::string read;
+  for (auto const* const name : {"c", "a", "b", "x", "ab", "c", "c", "x", "a"}) {
+    read += node->readAttribute(name) + ",";
+  }
+  EXPECT_EQ(read, "4,1,3,,2,4,4,,1,");
+  EXPECT_EQ(node->readAttribute(std::string_view("a\0b", 3)), "");
+}
+
+TEST(XmlNodeAttributes, AreReadAsTheyAreAfterAnotherHandleChangedThem) {
+  auto const document = documentOf("<r a=\"1\" b=\"2\"/>");
+  auto const node = document.root();
+  EXPECT_EQ(node->readAttribute("a"), "1");
+  document.root()->clear();
+  EXPECT_EQ(node->readAttribute("b"), "");
+  document.root()->writeAttribute("b", "3");
+  document.root()->writeAttribute("a", "4");
+  EXPECT_EQ(node->readAttribute("a"), "4");
+  EXPECT_EQ(node->readAttribute("b"), "3");
+}
+
 TEST(XmlNodeText, JoinsThePiecesThatStandDirectlyInTheElement) {
   EXPECT_EQ(rootOf("<r>one<b>inner</b> two<!-- x --><![CDATA[ three]]></r>")->readText(),
             "one two three");
