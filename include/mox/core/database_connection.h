@@ -70,9 +70,9 @@ class moxDatabaseConnection::PreparedStatement {
   /// Runs the statement with the values bound; a second call runs it anew and keeps them.
   virtual void execute() = 0;
 
-  /// Moves to the next row, at first to the first one; false after the last. A result that breaks
-  /// off throws: false always means that every row was seen. Not to be called again after it threw
-  /// or gave false.
+  /// Moves to the next row, at first to the first one; false after the last, and at once for a
+  /// statement without rows. A result that breaks off throws: false always means that every row was
+  /// seen. Not to be called before execute, or again after it threw or gave false.
   virtual bool fetch() = 0;
 
   /// Result columns; 0 for a statement without rows. Known once the statement was executed.

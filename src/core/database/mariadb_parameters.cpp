@@ -24,16 +24,16 @@ MariadbParameters::Value& MariadbParameters::change(int position, enum_field_typ
   return value;
 }
 
-void MariadbParameters::setInt(int position, int value) {
+void MariadbParameters::set(int position, int value) {
   Value& place = change(position, MYSQL_TYPE_LONG);
   std::memcpy(&place.number, &value, sizeof value);
 }
 
 /// The server has no value that is not a number; it becomes a null, as on SQLite. An infinite one
 /// is left to the server, which refuses it.
-void MariadbParameters::setDouble(int position, double value) {
+void MariadbParameters::set(int position, double value) {
   if (std::isnan(value)) {
-    setNull(position);
+    set(position, MarkNull{});
     return;
   }
   Value& place = change(position, MYSQL_TYPE_DOUBLE);
@@ -48,11 +48,7 @@ void MariadbParameters::setBytes(int position, enum_field_types type, std::strin
   isBound_ = isBound_ && place.bytes.data() == address;
 }
 
-void MariadbParameters::setDate(int position, date_t const& value) {
-  if (!value) {
-    setNull(position);
-    return;
-  }
+void MariadbParameters::set(int position, date_t const& value) {
   Value& place = change(position, MYSQL_TYPE_DATE);
   place.time = MYSQL_TIME{};
   place.time.year = part(value.year());
@@ -61,11 +57,7 @@ void MariadbParameters::setDate(int position, date_t const& value) {
   place.time.time_type = MYSQL_TIMESTAMP_DATE;
 }
 
-void MariadbParameters::setMoment(int position, datetime_t const& value) {
-  if (!value) {
-    setNull(position);
-    return;
-  }
+void MariadbParameters::set(int position, datetime_t const& value) {
   Value& place = change(position, MYSQL_TYPE_DATETIME);
   place.time = MYSQL_TIME{};
   place.time.year = part(value.year());
@@ -77,7 +69,7 @@ void MariadbParameters::setMoment(int position, datetime_t const& value) {
   place.time.time_type = MYSQL_TIMESTAMP_DATETIME;
 }
 
-void MariadbParameters::setNull(int position) {
+void MariadbParameters::set(int position, MarkNull) {
   values_[static_cast<std::size_t>(position)].isNull = 1;
 }
 

@@ -7,8 +7,7 @@
 
 #include <mysql.h>
 
-#include "mox/core/date.h"
-#include "mox/core/datetime.h"
+#include "core/database/mark_value.h"
 
 namespace mox::core {
 
@@ -20,15 +19,14 @@ class MariadbParameters {
 
   int count() const { return static_cast<int>(values_.size()); }
 
-  void setInt(int position, int value);
-  void setDouble(int position, double value);
-  void setText(int position, std::string_view value) {
-    setBytes(position, MYSQL_TYPE_STRING, value);
-  }
-  void setBlob(int position, std::string_view value) { setBytes(position, MYSQL_TYPE_BLOB, value); }
-  void setDate(int position, date_t const& value);
-  void setMoment(int position, datetime_t const& value);
-  void setNull(int position);
+  /// One for each form of a MarkValue.
+  void set(int position, MarkNull);
+  void set(int position, int value);
+  void set(int position, double value);
+  void set(int position, std::string_view value) { setBytes(position, MYSQL_TYPE_STRING, value); }
+  void set(int position, MarkBytes value) { setBytes(position, MYSQL_TYPE_BLOB, value.bytes); }
+  void set(int position, date_t const& value);
+  void set(int position, datetime_t const& value);
 
   /// Gives the values to the client library where it does not have them yet. False when it refuses.
   bool bind(MYSQL_STMT* statement);

@@ -3,8 +3,6 @@
 #include <utility>
 
 #include "core/database/database_error.h"
-#include "core/database/mariadb_value.h"
-#include "core/storage/blob.h"
 
 namespace mox::core {
 namespace {
@@ -73,7 +71,7 @@ std::vector<FieldReader> readersFor(std::vector<MariadbField> const& cells,
 
 MariadbStatement::MariadbStatement(std::shared_ptr<MariadbConnection> connection,
                                    StatementScript script)
-    : StatementBase(connection, script),
+    : CellStatement(connection, script),
       connection_(std::move(connection)),
       sql_(std::move(script.main)) {
   runBefore();
@@ -113,37 +111,8 @@ void MariadbStatement::readFields() {
   setFields(std::move(infos));
 }
 
-MariadbParameters& MariadbStatement::parametersFor(int position) {
-  requirePosition(position, parameters_.count());
-  return parameters_;
-}
-
-void MariadbStatement::bindInt(int position, int value) {
-  parametersFor(position).setInt(position, value);
-}
-
-void MariadbStatement::bindDouble(int position, double value) {
-  parametersFor(position).setDouble(position, value);
-}
-
-void MariadbStatement::bindString(int position, std::string_view value) {
-  parametersFor(position).setText(position, value);
-}
-
-void MariadbStatement::bindDate(int position, date_t const& value) {
-  parametersFor(position).setDate(position, value);
-}
-
-void MariadbStatement::bindNull(int position) {
-  parametersFor(position).setNull(position);
-}
-
-void MariadbStatement::bindDateTime(int position, datetime_t const& value) {
-  parametersFor(position).setMoment(position, value);
-}
-
-void MariadbStatement::bindBlob(int position, moxReadBlob const& value) {
-  parametersFor(position).setBlob(position, {value.data(), value.size()});
+void MariadbStatement::setMark(int position, MarkValue const& value) {
+  std::visit([&](auto const& given) { parameters_.set(position, given); }, value);
 }
 
 std::int64_t MariadbStatement::rowCount() const {
@@ -286,46 +255,9 @@ void MariadbStatement::skipResults() noexcept {
   connection_->noteFailure(mysql_errno(connection_->handle()));
 }
 
-MariadbField const& MariadbStatement::cell(int field) const {
-  requireField(field);
-  return row_.fields()[static_cast<std::size_t>(field)];
-}
-
-bool MariadbStatement::isNull(int field) const {
-  return cell(field).isNull != 0;
-}
-
-int MariadbStatement::getInt(int field) const {
-  MariadbField const& value = cell(field);
-  return value.isNull != 0 ? 0 : readInt32(value);
-}
-
-double MariadbStatement::getDouble(int field) const {
-  MariadbField const& value = cell(field);
-  return value.isNull != 0 ? 0 : readDouble(value);
-}
-
-std::string_view MariadbStatement::getString(int field) const {
-  MariadbField const& value = cell(field);
-  return value.isNull != 0 ? std::string_view()
-                           : readText(value, scratch_[static_cast<std::size_t>(field)]);
-}
-
-bool MariadbStatement::getBool(int field) const {
-  return getDouble(field) != 0;
-}
-
-date_t MariadbStatement::getDate(int field) const {
-  return date_t(getDateTime(field));
-}
-
-datetime_t MariadbStatement::getDateTime(int field) const {
-  MariadbField const& value = cell(field);
-  return value.isNull != 0 ? datetime_t() : readMoment(value);
-}
-
-std::shared_ptr<moxReadBlob> MariadbStatement::getBlob(int field) const {
-  return std::make_shared<Blob>(std::string(getString(field)));
+MariadbCell MariadbStatement::cellAt(int field) const {
+  auto const index = static_cast<std::size_t>(field);
+  return {row_.fields()[index], scratch_[index]};
 }
 
 }  // namespace mox::core

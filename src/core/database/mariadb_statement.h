@@ -9,46 +9,53 @@
 #include <mysql.h>
 
 #include "core/database/block_arena.h"
+#include "core/database/cell_statement.h"
 #include "core/database/mariadb_connection.h"
 #include "core/database/mariadb_field.h"
 #include "core/database/mariadb_parameters.h"
 #include "core/database/mariadb_row_store.h"
-#include "core/database/statement_base.h"
+#include "core/database/mariadb_value.h"
 
 namespace mox::core {
 
+/// A field of the current row. Texts of numbers and dates are written into `scratch`.
+class MariadbCell {
+ public:
+  MariadbCell(MariadbField const& field, std::string& scratch)
+      : field_(&field), scratch_(&scratch) {}
+
+  bool isNull() const { return field_->isNull != 0; }
+  int toInt() const { return isNull() ? 0 : readInt32(*field_); }
+  double toDouble() const { return isNull() ? 0 : readDouble(*field_); }
+  std::string_view toText() const {
+    return isNull() ? std::string_view() : readText(*field_, *scratch_);
+  }
+  std::string_view toBytes() const { return toText(); }
+  datetime_t toMoment() const { return isNull() ? datetime_t() : readMoment(*field_); }
+
+ private:
+  MariadbField const* field_;
+  std::string* scratch_;
+};
+
 /// A statement prepared on a line to a MariaDB server. Its rows are read from the line one by one,
 /// or from its own store when another statement needed the line meanwhile.
-class MariadbStatement : public StatementBase {
+class MariadbStatement final : public CellStatement<MariadbCell> {
  public:
   MariadbStatement(std::shared_ptr<MariadbConnection> connection, StatementScript script);
   ~MariadbStatement() override;
 
-  void bindInt(int position, int value) override;
-  void bindDouble(int position, double value) override;
-  void bindString(int position, std::string_view value) override;
-  void bindDate(int position, date_t const& value) override;
-  void bindNull(int position) override;
-  void bindDateTime(int position, datetime_t const& value) override;
-  void bindBlob(int position, moxReadBlob const& value) override;
-
   /// Always -1 for a result: rows are read while the server still sends them.
   std::int64_t rowCount() const override;
-
-  bool isNull(int field) const override;
-  int getInt(int field) const override;
-  double getDouble(int field) const override;
-  std::string_view getString(int field) const override;
-  bool getBool(int field) const override;
-  date_t getDate(int field) const override;
-  datetime_t getDateTime(int field) const override;
-  std::shared_ptr<moxReadBlob> getBlob(int field) const override;
 
   /// Takes the rows not read yet off the line and keeps them. A failure on the way is kept too, and
   /// thrown to whoever reads up to it.
   void keepRemainingRows() noexcept;
 
  protected:
+  int markCount() const override { return parameters_.count(); }
+  void setMark(int position, MarkValue const& value) override;
+  MariadbCell cellAt(int field) const override;
   void executeMain() override;
   bool fetchMain() override;
   int fetchBlockMain(std::vector<moxFieldBlock>& fields, int capacity) override;
@@ -56,8 +63,6 @@ class MariadbStatement : public StatementBase {
 
  private:
   bool isReader() const { return connection_->reader() == this; }
-  MariadbParameters& parametersFor(int position);
-  MariadbField const& cell(int field) const;
   void readFields();
   bool nextRow();
   bool nextStoredRow();

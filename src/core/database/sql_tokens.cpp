@@ -36,6 +36,8 @@ class Lexer {
     return tokens;
   }
 
+  bool hasServerComment() const { return hasServerComment_; }
+
  private:
   char look(std::size_t ahead = 0) const {
     return place_ + ahead < text_.size() ? text_[place_ + ahead] : '\0';
@@ -56,12 +58,17 @@ class Lexer {
       } else if (startsLineComment()) {
         place_ = std::min(text_.find('\n', place_), text_.size());
       } else if (look() == '/' && look(1) == '*') {
-        std::size_t const close = text_.find("*/", place_ + 2);
-        place_ = close == std::string_view::npos ? text_.size() : close + 2;
+        skipComment();
       } else {
         return;
       }
     }
+  }
+
+  void skipComment() {
+    hasServerComment_ = hasServerComment_ || look(2) == '!' || (look(2) == 'M' && look(3) == '!');
+    std::size_t const close = text_.find("*/", place_ + 2);
+    place_ = close == std::string_view::npos ? text_.size() : close + 2;
   }
 
   SqlToken next() {
@@ -144,11 +151,16 @@ class Lexer {
   std::string_view text_;
   std::size_t place_ = 0;
   int depth_ = 0;
+  bool hasServerComment_ = false;
 };
 
 }  // namespace
 
-SqlTokens::SqlTokens(std::string_view text) : text_(text), tokens_(Lexer(text).run()) {}
+SqlTokens::SqlTokens(std::string_view text) : text_(text) {
+  Lexer lexer(text);
+  tokens_ = lexer.run();
+  hasServerComment_ = lexer.hasServerComment();
+}
 
 std::string_view SqlTokens::textAt(int index) const {
   return has(index) ? text_.substr(at(index).begin, at(index).end - at(index).begin)

@@ -28,9 +28,9 @@ struct SqlToken {
 };
 
 /// A statement text taken apart as MariaDB reads it: quotes are doubled or escaped by a backslash
-/// inside '...' and
-/// "...", only doubled inside `...`; "--" opens a comment only before a blank. Never throws on any
-/// text: what is left open ends with the text. The text must outlive the object.
+/// inside '...' and "...", only doubled inside `...`; "--" opens a comment only before a blank.
+/// Never throws on any text: what is left open ends with the text. The text must outlive the
+/// object.
 class SqlTokens {
  public:
   explicit SqlTokens(std::string_view text);
@@ -41,6 +41,10 @@ class SqlTokens {
 
   /// Whether the text ends inside a quote.
   bool isCutOff() const { return !tokens_.empty() && !tokens_.back().closed; }
+
+  /// Whether a comment begins with "/*!" or "/*M!": a server runs what it holds, or skips it,
+  /// according to its version. Here it counts as a comment.
+  bool hasServerComment() const { return hasServerComment_; }
 
   /// The token's characters; empty for an index outside.
   std::string_view textAt(int index) const;
@@ -65,6 +69,7 @@ class SqlTokens {
 
   std::string_view text_;
   std::vector<SqlToken> tokens_;
+  bool hasServerComment_ = false;
 };
 
 /// ASCII letters only: the case of names beyond is the database's business.

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "core/database/database_error.h"
 #include "core/database/sql_tokens.h"
 #include "core/database/text_dates.h"
 
@@ -78,7 +79,8 @@ class Rewriter {
 
   SqliteText run() {
     if (tokens_.isCutOff()) {
-      return {{}, std::string(text_)};
+      throw DatabaseError("The statement ends inside a literal or a quoted name", "",
+                          std::string(text_));
     }
     int const first = rewriteHead();
     for (int i = first; i < tokens_.count(); ++i) {
@@ -115,9 +117,11 @@ class Rewriter {
     return 0;
   }
 
-  // A name with its database in front is not one of SQLite's temporary tables.
+  // A name with its database in front is not one of SQLite's temporary tables; what stands between
+  // double quotes is a text.
   bool isPlainName(int index) const {
-    return tokens_.isName(index) && !tokens_.isPunctuation(index + 1, '.');
+    return tokens_.isName(index) && !tokens_.isKind(index, SqlTokenKind::kDoubleQuoted) &&
+           !tokens_.isPunctuation(index + 1, '.');
   }
 
   int skipTo(int index) {

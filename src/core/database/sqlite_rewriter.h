@@ -15,14 +15,15 @@ struct SqliteText {
 /// Turns a single statement in MariaDB's dialect into one for SQLite. What SQLite reads the same
 /// stays as it is, byte by byte:
 /// - `create or replace temporary table T ...` creates the table behind a `drop table if exists
-/// temp.T`;
+///   temp.T`;
 /// - `drop temporary table [if exists] T` drops `temp.T`;
 /// - a literal 'Y/M/D' directly inside `between ... and ...` becomes 'YYYY-MM-DD' if it is a day of
-/// the calendar;
+///   the calendar;
 /// - backslashes in a literal are read, as SQLite knows no escapes; comments from "#" on become a
-/// blank;
+///   blank;
 /// - two minus signs in a row that open no comment are kept apart, as SQLite would read one.
-/// A statement that is cut off inside a literal stays untouched: SQLite refuses it.
+/// Throws moxError for a statement that is cut off inside a literal: SQLite, which knows no
+/// escapes, may see its end earlier.
 SqliteText rewriteForSqlite(std::string_view statement);
 
 }  // namespace mox::core

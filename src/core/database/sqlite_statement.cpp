@@ -5,43 +5,15 @@
 #include <new>
 #include <utility>
 
+#include "core/database/database_error.h"
 #include "core/database/sqlite_error.h"
 #include "core/database/text_dates.h"
-#include "core/storage/blob.h"
 
 namespace mox::core {
 namespace {
 
 std::string textOrEmpty(char const* text) {
   return text == nullptr ? std::string() : std::string(text);
-}
-
-bool isNullValue(sqlite3_value* value) {
-  return sqlite3_value_type(value) == SQLITE_NULL;
-}
-
-// Valid until the next step. SQLite keeps text as it came: bytes that are no UTF-8, and bytes 0,
-// pass through.
-std::string_view textOf(sqlite3_value* value) {
-  auto const* const text = reinterpret_cast<char const*>(sqlite3_value_text(value));
-  if (text == nullptr) {
-    if (!isNullValue(value)) {
-      throw std::bad_alloc();
-    }
-    return {};
-  }
-  return {text, static_cast<std::size_t>(sqlite3_value_bytes(value))};
-}
-
-std::string_view bytesOf(sqlite3_value* value) {
-  auto const* const bytes = static_cast<char const*>(sqlite3_value_blob(value));
-  return bytes == nullptr
-             ? std::string_view()
-             : std::string_view(bytes, static_cast<std::size_t>(sqlite3_value_bytes(value)));
-}
-
-std::int32_t intOf(sqlite3_value* value) {
-  return static_cast<std::int32_t>(sqlite3_value_int64(value));
 }
 
 datetime_t momentFrom(std::string_view text) {
@@ -51,10 +23,47 @@ datetime_t momentFrom(std::string_view text) {
   return parseDateText(text).value_or(datetime_t());
 }
 
-// Numbers are no dates: nothing tells days, seconds and written-out digits apart.
-datetime_t momentOf(sqlite3_value* value) {
-  return sqlite3_value_type(value) == SQLITE_TEXT ? momentFrom(textOf(value)) : datetime_t();
+}  // namespace
+
+int SqliteCell::type() const {
+  return sqlite3_value_type(value_);
 }
+
+bool SqliteCell::isNull() const {
+  return type() == SQLITE_NULL;
+}
+
+std::int32_t SqliteCell::toInt() const {
+  return static_cast<std::int32_t>(sqlite3_value_int64(value_));
+}
+
+double SqliteCell::toDouble() const {
+  return sqlite3_value_double(value_);
+}
+
+std::string_view SqliteCell::toText() const {
+  auto const* const text = reinterpret_cast<char const*>(sqlite3_value_text(value_));
+  if (text == nullptr) {
+    if (!isNull()) {
+      throw std::bad_alloc();
+    }
+    return {};
+  }
+  return {text, static_cast<std::size_t>(sqlite3_value_bytes(value_))};
+}
+
+std::string_view SqliteCell::toBytes() const {
+  auto const* const bytes = static_cast<char const*>(sqlite3_value_blob(value_));
+  return bytes == nullptr
+             ? std::string_view()
+             : std::string_view(bytes, static_cast<std::size_t>(sqlite3_value_bytes(value_)));
+}
+
+datetime_t SqliteCell::toMoment() const {
+  return type() == SQLITE_TEXT ? momentFrom(toText()) : datetime_t();
+}
+
+namespace {
 
 // The way of one field into a block. The functions that read ask a value as few questions as they
 // can, as every question is a call into SQLite: what a number and a text read as tells most nulls
@@ -66,18 +75,18 @@ class FieldReader {
 
   int index() const { return index_; }
 
-  void read(sqlite3_value* value, std::size_t row, BlockArena& arena) const {
+  void read(SqliteCell cell, std::size_t row, BlockArena& arena) const {
     switch (type_) {
       case FieldType::kInt:
-        return readInt(value, row);
+        return readInt(cell, row);
       case FieldType::kDouble:
-        return readDouble(value, row);
+        return readDouble(cell, row);
       case FieldType::kDate:
-        return readMoment(value, row);
+        return readMoment(cell, row);
       case FieldType::kText:
-        return readText(value, row, arena);
+        return readText(cell, row, arena);
       case FieldType::kBlob:
-        return readBlob(value, row, arena);
+        return readBlob(cell, row, arena);
     }
   }
 
@@ -108,40 +117,37 @@ class FieldReader {
     return !null;
   }
 
-  void readInt(sqlite3_value* value, std::size_t row) const {
-    std::int32_t const number = intOf(value);
-    if (isStored(row, number == 0 && isNullValue(value))) {
+  void readInt(SqliteCell cell, std::size_t row) const {
+    std::int32_t const number = cell.toInt();
+    if (isStored(row, number == 0 && cell.isNull())) {
       place_.ints[row] = number;
     }
   }
 
-  void readDouble(sqlite3_value* value, std::size_t row) const {
-    double const number = sqlite3_value_double(value);
-    if (isStored(row, number == 0 && isNullValue(value))) {
+  void readDouble(SqliteCell cell, std::size_t row) const {
+    double const number = cell.toDouble();
+    if (isStored(row, number == 0 && cell.isNull())) {
       place_.doubles[row] = number;
     }
   }
 
-  void readMoment(sqlite3_value* value, std::size_t row) const {
-    int const type = sqlite3_value_type(value);
-    if (isStored(row, type == SQLITE_NULL)) {
-      place_.dates[row] = type == SQLITE_TEXT ? momentFrom(textOf(value)) : datetime_t();
+  void readMoment(SqliteCell cell, std::size_t row) const {
+    datetime_t const moment = cell.toMoment();
+    if (isStored(row, !moment && cell.isNull())) {
+      place_.dates[row] = moment;
     }
   }
 
-  void readText(sqlite3_value* value, std::size_t row, BlockArena& arena) const {
-    auto const* const text = reinterpret_cast<char const*>(sqlite3_value_text(value));
-    if (text == nullptr && !isNullValue(value)) {
-      throw std::bad_alloc();
-    }
-    if (isStored(row, text == nullptr)) {
-      place_.texts[row] = arena.keep(text, static_cast<std::size_t>(sqlite3_value_bytes(value)));
+  void readText(SqliteCell cell, std::size_t row, BlockArena& arena) const {
+    std::string_view const text = cell.toText();
+    if (isStored(row, text.data() == nullptr)) {
+      place_.texts[row] = arena.keep(text.data(), text.size());
     }
   }
 
-  void readBlob(sqlite3_value* value, std::size_t row, BlockArena& arena) const {
-    if (isStored(row, isNullValue(value))) {
-      std::string_view const bytes = bytesOf(value);
+  void readBlob(SqliteCell cell, std::size_t row, BlockArena& arena) const {
+    if (isStored(row, cell.isNull())) {
+      std::string_view const bytes = cell.toBytes();
       place_.texts[row] = arena.keep(bytes.data(), bytes.size());
     }
   }
@@ -162,6 +168,29 @@ std::vector<FieldReader> readersFor(std::vector<moxFieldBlock> const& fields) {
   }
   return readers;
 }
+
+/// Gives a value to a mark, each form in SQLite's own; the result is SQLite's status.
+struct MarkSetter {
+  int operator()(MarkNull) const { return sqlite3_bind_null(statement, mark); }
+  int operator()(int value) const { return sqlite3_bind_int(statement, mark, value); }
+  int operator()(double value) const { return sqlite3_bind_double(statement, mark, value); }
+  int operator()(std::string_view value) const {
+    return sqlite3_bind_text64(statement, mark, addressOf(value), value.size(), SQLITE_TRANSIENT,
+                               SQLITE_UTF8);
+  }
+  int operator()(MarkBytes value) const {
+    return sqlite3_bind_blob64(statement, mark, addressOf(value.bytes), value.bytes.size(),
+                               SQLITE_TRANSIENT);
+  }
+  int operator()(date_t const& value) const { return (*this)(isoText(value)); }
+  int operator()(datetime_t const& value) const { return (*this)(isoText(value)); }
+
+  /// A null pointer would bind a null.
+  static char const* addressOf(std::string_view bytes) { return bytes.empty() ? "" : bytes.data(); }
+
+  sqlite3_stmt* statement;
+  int mark;  // counted from 1
+};
 
 std::vector<std::string> fieldNames(sqlite3_stmt* statement) {
   int const count = sqlite3_column_count(statement);
@@ -187,58 +216,35 @@ ColumnTypes columnTypesOf(sqlite3* line) {
 
 SqliteStatement::SqliteStatement(std::shared_ptr<SqliteConnection> line,
                                  StatementScript const& script)
-    : StatementBase(line, script), line_(std::move(line)), text_(script.main) {
+    : CellStatement(line, script), line_(std::move(line)), text_(script.main) {
   runBefore();
   handle_ = line_->compile(text_);
+  requirePlainMarks();
 }
 
-// SQLite takes values only between two executions.
-int SqliteStatement::markAt(int position) {
-  requirePosition(position, sqlite3_bind_parameter_count(handle_.get()));
-  stopReading();
-  return position + 1;
-}
-
-void SqliteStatement::requireBound(int status) {
-  if (status != SQLITE_OK) {
-    throwSqliteError(line_->handle(), status, text_);
+// SQLite counts its named marks (@a, :a, $a, ?1) among the others: values would go to wrong places.
+void SqliteStatement::requirePlainMarks() const {
+  for (int mark = 1; mark <= markCount(); ++mark) {
+    if (char const* const name = sqlite3_bind_parameter_name(handle_.get(), mark)) {
+      throw DatabaseError(
+          "The statement has \"" + std::string(name) +
+              "\", a variable or named mark, which SQLite databases do not have here",
+          "", text_);
+    }
   }
 }
 
-void SqliteStatement::bindInt(int position, int value) {
-  int const mark = markAt(position);
-  requireBound(sqlite3_bind_int(handle_.get(), mark, value));
+int SqliteStatement::markCount() const {
+  return sqlite3_bind_parameter_count(handle_.get());
 }
 
-void SqliteStatement::bindDouble(int position, double value) {
-  int const mark = markAt(position);
-  requireBound(sqlite3_bind_double(handle_.get(), mark, value));
-}
-
-void SqliteStatement::bindString(int position, std::string_view value) {
-  int const mark = markAt(position);
-  char const* const bytes = value.empty() ? "" : value.data();  // a null pointer would bind a null
-  requireBound(
-      sqlite3_bind_text64(handle_.get(), mark, bytes, value.size(), SQLITE_TRANSIENT, SQLITE_UTF8));
-}
-
-void SqliteStatement::bindDate(int position, date_t const& value) {
-  value ? bindString(position, isoText(value)) : bindNull(position);
-}
-
-void SqliteStatement::bindDateTime(int position, datetime_t const& value) {
-  value ? bindString(position, isoText(value)) : bindNull(position);
-}
-
-void SqliteStatement::bindNull(int position) {
-  int const mark = markAt(position);
-  requireBound(sqlite3_bind_null(handle_.get(), mark));
-}
-
-void SqliteStatement::bindBlob(int position, moxReadBlob const& value) {
-  int const mark = markAt(position);
-  char const* const bytes = value.size() == 0 ? "" : value.data();
-  requireBound(sqlite3_bind_blob64(handle_.get(), mark, bytes, value.size(), SQLITE_TRANSIENT));
+// SQLite takes values only between two executions.
+void SqliteStatement::setMark(int position, MarkValue const& value) {
+  stopReading();
+  int const status = std::visit(MarkSetter{handle_.get(), position + 1}, value);
+  if (status != SQLITE_OK) {
+    throwSqliteError(line_->handle(), status, text_);
+  }
 }
 
 void SqliteStatement::executeMain() {
@@ -277,7 +283,7 @@ int SqliteStatement::fetchBlockMain(std::vector<moxFieldBlock>& fields, int capa
   int row = 0;
   for (; row < capacity && fetchMain(); ++row) {
     for (FieldReader const& reader : readers) {
-      reader.read(valueAt(reader.index()), static_cast<std::size_t>(row), arena_);
+      reader.read(cellAt(reader.index()), static_cast<std::size_t>(row), arena_);
     }
   }
   return row;
@@ -291,46 +297,8 @@ void SqliteStatement::releaseRows() noexcept {
 // The line has no lock, so that the value may be asked without one, too. Asking a value for its
 // type and then for its content looks the field up once; the statement's own accessors would do so
 // each time.
-sqlite3_value* SqliteStatement::valueAt(int field) const {
-  return sqlite3_column_value(handle_.get(), field);
-}
-
-bool SqliteStatement::isNull(int field) const {
-  requireField(field);
-  return isNullValue(valueAt(field));
-}
-
-int SqliteStatement::getInt(int field) const {
-  requireField(field);
-  return intOf(valueAt(field));
-}
-
-double SqliteStatement::getDouble(int field) const {
-  requireField(field);
-  return sqlite3_value_double(valueAt(field));
-}
-
-std::string_view SqliteStatement::getString(int field) const {
-  requireField(field);
-  return textOf(valueAt(field));
-}
-
-bool SqliteStatement::getBool(int field) const {
-  return getDouble(field) != 0;
-}
-
-date_t SqliteStatement::getDate(int field) const {
-  return date_t(getDateTime(field));
-}
-
-datetime_t SqliteStatement::getDateTime(int field) const {
-  requireField(field);
-  return momentOf(valueAt(field));
-}
-
-std::shared_ptr<moxReadBlob> SqliteStatement::getBlob(int field) const {
-  requireField(field);
-  return std::make_shared<Blob>(std::string(bytesOf(valueAt(field))));
+SqliteCell SqliteStatement::cellAt(int field) const {
+  return SqliteCell(sqlite3_column_value(handle_.get(), field));
 }
 
 // What the text tells holds until the schema changes under the statement; the first row may tell
@@ -378,8 +346,8 @@ std::optional<FieldType> SqliteStatement::typeInFirstRow(int index) const {
   if (rows_ != Rows::kFirstReady) {
     return std::nullopt;
   }
-  sqlite3_value* const value = valueAt(index);
-  switch (sqlite3_value_type(value)) {
+  SqliteCell const cell = cellAt(index);
+  switch (cell.type()) {
     case SQLITE_INTEGER:
       return FieldType::kInt;
     case SQLITE_FLOAT:
@@ -387,7 +355,7 @@ std::optional<FieldType> SqliteStatement::typeInFirstRow(int index) const {
     case SQLITE_BLOB:
       return FieldType::kBlob;
     case SQLITE_TEXT:
-      return parseIsoDate(textOf(value)) ? FieldType::kDate : FieldType::kText;
+      return parseIsoDate(cell.toText()) ? FieldType::kDate : FieldType::kText;
     default:
       return std::nullopt;
   }

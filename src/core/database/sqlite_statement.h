@@ -6,40 +6,48 @@
 #include <vector>
 
 #include "core/database/block_arena.h"
+#include "core/database/cell_statement.h"
 #include "core/database/sqlite_connection.h"
 #include "core/database/sqlite_types.h"
-#include "core/database/statement_base.h"
 
 struct sqlite3_value;
 
 namespace mox::core {
 
+/// A field of the current row, valid until the next step.
+class SqliteCell {
+ public:
+  explicit SqliteCell(sqlite3_value* value) : value_(value) {}
+
+  int type() const;  // one of SQLite's numbers
+  bool isNull() const;
+  std::int32_t toInt() const;
+  double toDouble() const;
+
+  /// SQLite keeps text as it came: bytes that are no UTF-8, and bytes 0, pass through.
+  std::string_view toText() const;
+  std::string_view toBytes() const;
+
+  /// Numbers are no dates: nothing tells days, seconds and written-out digits apart.
+  datetime_t toMoment() const;
+
+ private:
+  sqlite3_value* value_;
+};
+
 /// A statement of SQLite. It steps to the first row when it is executed, since that row may have to
 /// tell the type of an expression. Binding a value ends the rows of the execution before.
-class SqliteStatement final : public StatementBase {
+class SqliteStatement final : public CellStatement<SqliteCell> {
  public:
   /// `script` is in SQLite's own words. Throws moxError for a text that SQLite refuses.
   SqliteStatement(std::shared_ptr<SqliteConnection> line, StatementScript const& script);
 
-  void bindInt(int position, int value) override;
-  void bindDouble(int position, double value) override;
-  void bindString(int position, std::string_view value) override;
-  void bindDate(int position, date_t const& value) override;
-  void bindNull(int position) override;
-  void bindDateTime(int position, datetime_t const& value) override;
-  void bindBlob(int position, moxReadBlob const& value) override;
-
   std::int64_t rowCount() const override { return -1; }
-  bool isNull(int field) const override;
-  int getInt(int field) const override;
-  double getDouble(int field) const override;
-  std::string_view getString(int field) const override;
-  bool getBool(int field) const override;
-  date_t getDate(int field) const override;
-  datetime_t getDateTime(int field) const override;
-  std::shared_ptr<moxReadBlob> getBlob(int field) const override;
 
  protected:
+  int markCount() const override;
+  void setMark(int position, MarkValue const& value) override;
+  SqliteCell cellAt(int field) const override;
   void executeMain() override;
   bool fetchMain() override;
   int fetchBlockMain(std::vector<moxFieldBlock>& fields, int capacity) override;
@@ -48,10 +56,8 @@ class SqliteStatement final : public StatementBase {
  private:
   enum class Rows { kNone, kFirstReady, kMore };
 
-  int markAt(int position);
-  void requireBound(int status);
+  void requirePlainMarks() const;
   bool step();
-  sqlite3_value* valueAt(int field) const;
   void describeFields();
   FieldInfo describeField(int index);
   FieldType typeAt(int index);

@@ -80,6 +80,7 @@ void StatementBase::execute() {
   }
   if (fields_.empty()) {
     endOfRows();
+    state_ = State::kDone;
   }
 }
 
@@ -98,6 +99,9 @@ void StatementBase::requireReading() const {
 }
 
 bool StatementBase::fetch() {
+  if (state_ == State::kDone) {
+    return false;
+  }
   requireReading();
   try {
     hasRow_ = fetchMain();

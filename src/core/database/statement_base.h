@@ -92,7 +92,12 @@ class StatementBase : public moxDatabaseConnection::PreparedStatement, public mo
   }
 
  private:
-  enum class State { kIdle, kReading, kEnded };
+  enum class State {
+    kIdle,
+    kReading,
+    kEnded,
+    kDone  // executed, and without rows
+  };
 
   [[noreturn]] void throwUnreadable(int index) const;
   void requireReading() const;

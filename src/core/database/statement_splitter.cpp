@@ -55,8 +55,17 @@ bool returnsRows(SqlTokens const& tokens) {
   return false;
 }
 
-std::vector<std::string> pieces(std::string_view text) {
-  SqlTokens const tokens(text);
+void refuseServerComments(SqlTokens const& tokens) {
+  if (tokens.hasServerComment()) {
+    throw DatabaseError(
+        "A comment that begins with \"/*!\" or \"/*M!\" is run by some servers only; write what it "
+        "holds into the statement itself",
+        "", std::string(tokens.text()));
+  }
+}
+
+std::vector<std::string> pieces(SqlTokens const& tokens) {
+  std::string_view const text = tokens.text();
   std::vector<std::string> result;
   int first = 0;
   for (int i = 0; i <= tokens.count(); ++i) {
@@ -84,7 +93,9 @@ void refuseMarks(std::vector<std::string> const& statements) {
 }  // namespace
 
 StatementScript splitScript(std::string_view text) {
-  std::vector<std::string> all = pieces(text);
+  SqlTokens const tokens(text);
+  refuseServerComments(tokens);
+  std::vector<std::string> all = pieces(tokens);
   StatementScript script;
   if (all.empty()) {
     return script;

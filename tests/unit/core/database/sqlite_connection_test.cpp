@@ -154,7 +154,7 @@ TEST_F(SqliteLine, TextBehindTheStatementsEndIsRefused) {
   EXPECT_EQ(failureOf([&] { line->compile("select 1; select 2"); })->message,
             "The statement is empty, or has text behind its end");
   EXPECT_EQ(failureOf([&] { line->prepare(splitScript("select 'a\\'; drop table t")); })->message,
-            "The statement is empty, or has text behind its end");
+            "The statement ends inside a literal or a quoted name");
   EXPECT_EQ(failureOf([&] { line->compile(" "); })->message,
             "The statement is empty, or has text behind its end");
   EXPECT_EQ(failureOf([&] { line->compile(std::string("select 1\0x", 10)); })->message,

@@ -2,10 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include "support/databases.h"
+
 namespace mox::core {
 namespace {
 
 using Texts = std::vector<std::string>;
+using mox_test::failureOf;
 
 std::string rewritten(std::string_view sql) {
   SqliteText const text = rewriteForSqlite(sql);
@@ -87,8 +90,19 @@ TEST(SqliteRewriter, TwoMinusSignsStayTwo) {
   EXPECT_EQ(rewritten("select 3--1"), "select 3- -1");
 }
 
-TEST(SqliteRewriter, AStatementCutOffInsideALiteralStaysAsItIs) {
-  EXPECT_EQ(rewritten(R"(select 'a\'; drop table t)"), R"(select 'a\'; drop table t)");
+TEST(SqliteRewriter, AStatementCutOffInsideALiteralIsRefused) {
+  // SQLite would see the literals of the first two end, and read on behind them.
+  for (char const* sql : {R"(select 'a\'; drop table t)", R"(select 1 where 'a\' or 1=1)",
+                          "select `a", "select \"a"}) {
+    auto const failure = failureOf([&] { rewriteForSqlite(sql); });
+    ASSERT_TRUE(failure) << sql;
+    EXPECT_EQ(failure->message, "The statement ends inside a literal or a quoted name");
+    EXPECT_EQ(failure->details, Texts{sql});
+  }
+}
+
+TEST(SqliteRewriter, ATextInTheNamesPlaceIsNoTemporaryTable) {
+  EXPECT_EQ(rewritten("drop temporary table \"t\""), "drop temporary table \"t\"");
 }
 
 }  // namespace

@@ -54,6 +54,20 @@ TEST_F(SqliteStatementTest, BindsEveryKindOfValue) {
   EXPECT_FALSE(statement->fetch());
 }
 
+TEST_F(SqliteStatementTest, NamedMarksAreRefused) {
+  // SQLite would give the first value to @a, and leave the plain mark a null.
+  for (auto const& [sql, name] : {std::pair("select @a, ?", "@a"),
+                                  {"select ?, :b", ":b"},
+                                  {"select ?2", "?2"},
+                                  {"select $c", "$c"}}) {
+    auto const failure = mox_test::failureOf([&] { data.db.prepare(sql); });
+    ASSERT_TRUE(failure) << sql;
+    EXPECT_EQ(failure->message, "The statement has \"" + std::string(name) +
+                                    "\", a variable or named mark, which SQLite databases do not "
+                                    "have here");
+  }
+}
+
 TEST_F(SqliteStatementTest, EmptyValuesAreNoNulls) {
   auto const statement = data.db.prepare("select ?, ?, ?, ?");
   statement->bindString(0, {});

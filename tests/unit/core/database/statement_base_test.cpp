@@ -139,6 +139,18 @@ TEST_F(StatementBaseTest, AStatementWithoutRowsIsOverWithItsExecution) {
   EXPECT_EQ(statement->fieldCount(), 0);
 }
 
+TEST_F(StatementBaseTest, AStatementWithoutRowsHasNoRowToFetch) {
+  auto const statement = make(-1);
+  EXPECT_THROW(statement->fetch(), std::logic_error);
+  statement->execute();
+  EXPECT_FALSE(statement->fetch());
+  EXPECT_FALSE(statement->fetch());
+  EXPECT_EQ(takeLog(), (Texts{"before", "prepare", "release", "main", "release", "after"}));
+  line->refused = "main";
+  EXPECT_TRUE(failureOf([&] { statement->execute(); }));
+  EXPECT_THROW(statement->fetch(), std::logic_error);
+}
+
 TEST_F(StatementBaseTest, DroppedBeforeItsEndItRunsTheStatementsAfterOnce) {
   auto statement = make(5);
   statement->execute();

@@ -74,6 +74,23 @@ TEST(StatementSplitter, CountsMarksOutsideQuotesAndComments) {
   EXPECT_EQ(countMarks(""), 0);
 }
 
+TEST(StatementSplitter, CommentsThatSomeServersRunAreRefused) {
+  for (char const* sql : {"select 1 /*! or 1=1 */", "select 1 /*!50701 ; drop table t */",
+                          "select 1 /*M! , ? */", "/*M!100100 x */"}) {
+    auto const failure = failureOf([&] { splitScript(sql); });
+    ASSERT_TRUE(failure) << sql;
+    EXPECT_EQ(
+        failure->message,
+        "A comment that begins with \"/*!\" or \"/*M!\" is run by some servers only; write what "
+        "it holds into the statement itself");
+    EXPECT_EQ(failure->details, Texts{sql});
+  }
+  for (char const* sql : {"select 1 /* ! */", "select '/*! */'", "select `/*M!`", "select 1 -- /*!",
+                          "select 1 /* /*! */", "select 1 /*m! */"}) {
+    EXPECT_FALSE(failureOf([&] { splitScript(sql); })) << sql;
+  }
+}
+
 TEST(StatementSplitter, MarksOutsideTheMainStatementAreRefused) {
   auto const before = failureOf([] { splitScript("delete from t where a = ?; select 1"); });
   ASSERT_TRUE(before);
