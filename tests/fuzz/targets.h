@@ -14,5 +14,6 @@ void readJson(std::string_view bytes);
 void decompress(std::string_view bytes);
 void readSettings(std::string_view bytes);
 void readDateMask(std::string_view bytes);
+void readCollection(std::string_view bytes);
 
 }  // namespace mox::fuzz

@@ -47,5 +47,9 @@ TEST(FuzzCorpus, DateMasksReplay) {
   EXPECT_GE(replay("date_mask", readDateMask), 10);
 }
 
+TEST(FuzzCorpus, CollectionFilesReplay) {
+  EXPECT_GE(replay("collection", readCollection), 10);
+}
+
 }  // namespace
 }  // namespace mox::fuzz
