@@ -14,6 +14,7 @@ void readJson(std::string_view bytes);
 void decompress(std::string_view bytes);
 void readSettings(std::string_view bytes);
 void readDateMask(std::string_view bytes);
-void readCollection(std::string_view bytes);
+void splitStatements(std::string_view bytes);
+void rewriteStatement(std::string_view bytes);
 
 }  // namespace mox::fuzz

@@ -47,8 +47,12 @@ TEST(FuzzCorpus, DateMasksReplay) {
   EXPECT_GE(replay("date_mask", readDateMask), 10);
 }
 
-TEST(FuzzCorpus, CollectionFilesReplay) {
-  EXPECT_GE(replay("collection", readCollection), 10);
+TEST(FuzzCorpus, StatementScriptsReplay) {
+  EXPECT_GE(replay("statement", splitStatements), 10);
+}
+
+TEST(FuzzCorpus, StatementsForSqliteReplay) {
+  EXPECT_GE(replay("sqlite_rewrite", rewriteStatement), 10);
 }
 
 }  // namespace

@@ -1,0 +1,1 @@
+select 'it\'s', 'a\nb', 'c\\d', 'e\xf', "say \"it's\"", 'a\0b', 'x\%\_'

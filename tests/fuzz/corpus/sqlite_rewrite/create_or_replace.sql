@@ -1,0 +1,1 @@
+create or replace temporary table `Total ``Geral` (a int , b double , c varchar(200))

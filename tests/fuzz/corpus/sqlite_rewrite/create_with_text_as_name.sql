@@ -1,0 +1,1 @@
+create or replace temporary table "a\"b" (a int)

@@ -1,0 +1,1 @@
+drop temporary table if exists `a b`

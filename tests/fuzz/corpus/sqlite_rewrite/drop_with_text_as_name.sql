@@ -1,0 +1,1 @@
+drop temporary table "a\"; select ? --"

@@ -1,0 +1,1 @@
+select c between '2024/3/5' and '2024/12/31' from t where (b between 1) and '2024/1/1'

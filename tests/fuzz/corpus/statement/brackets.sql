@@ -1,0 +1,1 @@
+((select 1) union (select 2)) ; ) select 3 ; ( select 4

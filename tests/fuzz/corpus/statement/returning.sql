@@ -1,0 +1,1 @@
+insert into t (a) values (?) returning id ; update t set a = 1

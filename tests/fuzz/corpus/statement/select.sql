@@ -1,0 +1,1 @@
+select a.id_aluno, a.nome from aluno a where a.nome like ? and a.id_unidade in (?, ?)

@@ -1,0 +1,1 @@
+select 1 /*!50701 or 1=1 ; drop table t */

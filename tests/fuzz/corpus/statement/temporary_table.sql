@@ -1,0 +1,1 @@
+create temporary table x (a int); insert into x values (1); select a from x where a = ?; drop table x

@@ -1,0 +1,1 @@
+with a as (select 1), b(c) as (values (2)) delete from t returning x; select 3
