@@ -16,5 +16,6 @@ void readSettings(std::string_view bytes);
 void readDateMask(std::string_view bytes);
 void splitStatements(std::string_view bytes);
 void rewriteStatement(std::string_view bytes);
+void readCollection(std::string_view bytes);
 
 }  // namespace mox::fuzz

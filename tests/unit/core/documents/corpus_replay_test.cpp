@@ -55,5 +55,9 @@ TEST(FuzzCorpus, StatementsForSqliteReplay) {
   EXPECT_GE(replay("sqlite_rewrite", rewriteStatement), 10);
 }
 
+TEST(FuzzCorpus, CollectionFilesReplay) {
+  EXPECT_GE(replay("collection", readCollection), 10);
+}
+
 }  // namespace
 }  // namespace mox::fuzz
