@@ -150,11 +150,10 @@ def test_definition_gives_rows(sqlite_escola, name, filters):
 
 @pytest.mark.parametrize(("name", "filters"), cases())
 def test_both_databases_give_equal_tables(sqlite_escola, mariadb_escola, name, filters):
-    for user in ("rosangela", "joaquim", "iara"):
-        for options in ([], ["--formatted"]):
-            one = run(sqlite_escola, user, name, filters, *options)
-            other = run(mariadb_escola, user, name, filters, *options)
-            assert comparable(name, one) == comparable(name, other), (user, options)
+    for user, options in (("rosangela", []), ("rosangela", ["--formatted"]), ("iara", [])):
+        one = run(sqlite_escola, user, name, filters, *options)
+        other = run(mariadb_escola, user, name, filters, *options)
+        assert comparable(name, one) == comparable(name, other), (user, options)
 
 
 def test_users_of_different_units_see_different_rows(sqlite_escola):
