@@ -239,7 +239,8 @@ TEST_F(RunReportTest, UsersIgnoredFiltersComeBeforeTheFixedOnes) {
 class GroupReportTest : public RunReportTest {
  protected:
   /// A group that runs one member in a context of its own.
-  static std::shared_ptr<FakeExecution> group(std::shared_ptr<moxDataSourceExecution> member) {
+  static std::shared_ptr<FakeExecution> group(
+      std::shared_ptr<moxDataSourceExecution> const& member) {
     return std::make_shared<FakeExecution>([member](auto const& context, auto const& target) {
       auto const child = std::make_shared<DataSourceExecutionContext>();
       dynamic_cast<DataSourceExecutionContext&>(*context).appendContext(child, "membro", target, "",

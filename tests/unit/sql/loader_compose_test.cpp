@@ -63,7 +63,7 @@ class LoaderComposeTest : public LoaderTest {
   moxComposedSelect composeAndExecute(std::vector<int> const& units, int matrixUnit) {
     auto const filters = loader_.getFilters();
     auto const statements = database_.preparedTexts().size();
-    auto const composed = loader_.compose(units, matrixUnit);
+    auto composed = loader_.compose(units, matrixUnit);
     EXPECT_EQ(database_.preparedTexts().size(), statements);
     EXPECT_EQ(loader_.getFilters(), filters);
     loader_.execute(units, matrixUnit);
