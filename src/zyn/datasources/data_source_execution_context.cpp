@@ -152,6 +152,14 @@ void DataSourceExecutionContext::addDataSourceFixedFilter(std::string const& sou
   dataSourceFixedFilters_[source].push_back(std::move(filter));
 }
 
+bool DataSourceExecutionContext::isFixedFilter(std::string const& source,
+                                               ConstFilter const& filter) const {
+  auto const users = entryOf(dataSourceFilters_, source);
+  auto const fixed = entryOf(dataSourceFixedFilters_, source);
+  return std::find(users.begin(), users.end(), filter) == users.end() &&
+         std::find(fixed.begin(), fixed.end(), filter) != fixed.end();
+}
+
 std::shared_ptr<moxDataMatrix> DataSourceExecutionContext::getDataMatrix(
     std::string const& name) const {
   return entryOf(dataMatrices_, name);

@@ -56,6 +56,7 @@ class DataSourceExecutionContext final
   moxRunReport runReport() const override;
 
   RunRecorder* runRecorder() const override { return recorder_.get(); }
+  bool isFixedFilter(std::string const& source, ConstFilter const& filter) const override;
 
   /// Hands what was aimed at a group, under any of its names, to the member `filterSource` of the
   /// group's own context: the filters of `groupName`, `targetName` (empty for none) and

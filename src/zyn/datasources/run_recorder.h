@@ -103,4 +103,8 @@ class RunRecorderHolder {
 
   /// Null when no report is kept. Lives as long as the context.
   virtual RunRecorder* runRecorder() const = 0;
+
+  /// Whether the program itself imposes the filter on the source, and no user gave it for it.
+  virtual bool isFixedFilter(std::string const& source,
+                             RunRecorder::Filter const& filter) const = 0;
 };

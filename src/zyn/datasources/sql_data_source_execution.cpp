@@ -46,7 +46,7 @@ SQLDataSourceExecution::SQLDataSourceExecution(std::shared_ptr<moxSQLDataSource 
 bool SQLDataSourceExecution::generateDataMatrix(
     std::shared_ptr<moxDataSourceExecutionContext> context, std::string const& targetName) const {
   auto const resultName = targetName.empty() ? dataSource_->getName() : targetName;
-  SQLStatementRun run(*dataSource_, *context);
+  SQLStatementRun run(*dataSource_, *context, resultName);
   run.compose(filterSources_);
   run.bind(managers_, context->getDataSourceFilters(resultName));
   if (auto const filter = createDataSourceFilter(*context)) {

@@ -17,9 +17,10 @@
 
 namespace {
 
-RunRecorder* recorderOf(moxDataSourceExecutionContext const& context) {
+/// Null when no report is kept.
+RunRecorderHolder const* reportOf(moxDataSourceExecutionContext const& context) {
   auto const* const holder = dynamic_cast<RunRecorderHolder const*>(&context);
-  return holder != nullptr ? holder->runRecorder() : nullptr;
+  return holder != nullptr && holder->runRecorder() != nullptr ? holder : nullptr;
 }
 
 /// A filter that served as a token's value is no condition any more. A token that stands twice
@@ -44,13 +45,14 @@ bool hasCondition(moxFilterDataSourceSpec const& condition) {
 }  // namespace
 
 SQLStatementRun::SQLStatementRun(moxSQLDataSource const& definition,
-                                 moxDataSourceExecutionContext const& context)
+                                 moxDataSourceExecutionContext const& context, std::string source)
     : definition_(definition),
       context_(context),
-      recorder_(recorderOf(context)),
+      source_(std::move(source)),
+      report_(reportOf(context)),
       loader_(moxApp->get<moxDataMatrixSQLLoader>("moxDataMatrixSQLLoader")),
       matrix_(moxApp->get<moxDataMatrix>("moxDataMatrix")),
-      filters_(*loader_, recorder_ != nullptr) {
+      filters_(*loader_, report_ != nullptr) {
   loader_->setDataMatrix(matrix_);
 }
 
@@ -117,12 +119,12 @@ void SQLStatementRun::execute() {
 void SQLStatementRun::loadRows() {
   auto const units = context_.getIdUnidadeNegocio();
   int const headOffice = context_.getIdUnidadeMatriz();
-  if (recorder_ != nullptr) {
+  if (report_ != nullptr) {
     if (auto const* const composer = dynamic_cast<moxSelectComposer const*>(loader_.get())) {
-      recordStatement(*recorder_, composer->compose(units, headOffice), filters_);
+      recordStatement(*report_, source_, composer->compose(units, headOffice), filters_);
     }
-    recordUnused(*recorder_, *managed_);
-    if (!recorder_->executes()) {
+    recordUnused(*report_->runRecorder(), *managed_);
+    if (!report_->runRecorder()->executes()) {
       return;
     }
   }

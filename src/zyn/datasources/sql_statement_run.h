@@ -24,8 +24,9 @@ class SQLStatementRun {
   using ManageFilterData = moxManageFilterDataSource::ManageFilterData;
   using Filters = std::vector<StatementFilters::Filter>;
 
-  /// Both outlive the run.
-  SQLStatementRun(moxSQLDataSource const& definition, moxDataSourceExecutionContext const& context);
+  /// `source` is the run's name in the context. Definition and context outlive the run.
+  SQLStatementRun(moxSQLDataSource const& definition, moxDataSourceExecutionContext const& context,
+                  std::string source);
 
   /// The text, with its order and around it what the definition has before and behind it.
   void compose(FilterSources const& filterSources);
@@ -55,7 +56,8 @@ class SQLStatementRun {
 
   moxSQLDataSource const& definition_;
   moxDataSourceExecutionContext const& context_;
-  RunRecorder* const recorder_;  // null when no report is kept
+  std::string const source_;
+  RunRecorderHolder const* const report_;  // null when none is kept
   std::shared_ptr<moxDataMatrixSQLLoader> const loader_;
   std::shared_ptr<moxDataMatrix> const matrix_;
   StatementFilters filters_;

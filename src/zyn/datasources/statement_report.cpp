@@ -38,23 +38,36 @@ moxRunPart conditionPart(moxComposedFilter const& composed, Origins const& origi
   return part;
 }
 
+/// A source's own filters come to the run as one list, the program's among the user's.
+moxRunPart ownOrigin(moxRunPart part, StatementFilters::Filter const& filter,
+                     RunRecorderHolder const& report, std::string const& source) {
+  if (part.origin == moxRunOrigin::kUserFilter && report.isFixedFilter(source, filter)) {
+    part.origin = moxRunOrigin::kProgramFilter;
+  }
+  return part;
+}
+
 }  // namespace
 
-void recordStatement(RunRecorder& recorder, moxComposedSelect const& select,
-                     StatementFilters const& filters) {
+void recordStatement(RunRecorderHolder const& report, std::string const& source,
+                     moxComposedSelect const& select, StatementFilters const& filters) {
+  auto& recorder = *report.runRecorder();
   moxRunStatement statement;
   statement.sql = select.sql;
   for (std::size_t i = 0; i < select.parameters.size(); ++i) {
-    statement.parameters.push_back(parameterPart(select.parameters[i], filters.parameters().at(i)));
-    recorder.filterUsed(select.parameters[i].filter);
+    auto const& composed = select.parameters[i];
+    statement.parameters.push_back(ownOrigin(parameterPart(composed, filters.parameters().at(i)),
+                                             composed.filter, report, source));
+    recorder.filterUsed(composed.filter);
   }
-  for (auto const& condition : select.conditions) {
-    if (condition.sql.empty() && condition.values.empty()) {
-      recorder.filterIgnored(condition.filter, "it has neither a condition nor a value");
+  for (auto const& composed : select.conditions) {
+    if (composed.sql.empty() && composed.values.empty()) {
+      recorder.filterIgnored(composed.filter, "it has neither a condition nor a value");
       continue;
     }
-    statement.conditions.push_back(conditionPart(condition, filters.conditions()));
-    recorder.filterUsed(condition.filter);
+    statement.conditions.push_back(
+        ownOrigin(conditionPart(composed, filters.conditions()), composed.filter, report, source));
+    recorder.filterUsed(composed.filter);
   }
   recorder.statement(std::move(statement));
 }

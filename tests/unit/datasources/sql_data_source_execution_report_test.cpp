@@ -104,6 +104,22 @@ TEST_F(SQLDataSourceExecutionReport, TellsTheOriginOfEveryValueAndCondition) {
   EXPECT_THAT(reporter().runReport().ignoredFilters, IsEmpty());
 }
 
+TEST_F(SQLDataSourceExecutionReport, TellsTheProgramsFiltersFromTheUsers) {
+  source_->setSQL("select a from t where b = {{p}}");
+  source_->setWhereAnd("and");
+  auto const both = equals("t", "d", 3);
+  context_->setDataSourceFilters("fonte", {equals("t", "c", 2), both});
+  context_->addDataSourceFixedFilter("fonte", equals("", "{{p}}", 1));
+  context_->addDataSourceFixedFilter("fonte", equals("t", "e", 4));
+  context_->addDataSourceFixedFilter("fonte", both);
+  reporter().keepRunReport();
+  auto const statement = ran().statements.at(0);
+  EXPECT_THAT(textsOf(statement.parameters), ElementsAre("{{p}} = 1; program "));
+  EXPECT_THAT(textsOf(statement.conditions),
+              ElementsAre("t.c [t.c = ? ] = 2; user ", "t.d [t.d = ? ] = 3; user ",
+                          "t.e [t.e = ? ] = 4; program "));
+}
+
 TEST_F(SQLDataSourceExecutionReport, TellsWhatTheDatabaseIsSent) {
   giveEverything();
   reporter().keepRunReport();
