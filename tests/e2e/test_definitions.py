@@ -161,6 +161,36 @@ def test_users_of_different_units_see_different_rows(sqlite_escola):
     assert len(set(tables.values())) == len(UNITS_OF)
 
 
+def formatted_rows(school, name, filters):
+    return list(csv.DictReader(io.StringIO(run(school, "joaquim", name, filters, "--formatted"))))
+
+
+def test_people_are_shown_as_a_brazilian_office_writes_them(sqlite_escola):
+    (person,) = formatted_rows(sqlite_escola, "Funcionários", ["CPF=000.481.482-70"])
+    shown = {key: value for key, value in person.items() if key not in ("id", "id_unidade", "observacao", "cargo")}
+    assert list(shown.values()) == [
+        "Amanda Pacheco Mendonça",
+        "AMANDA PACHECO MENDONCA",
+        "CPF 000.481.482-70",
+        "00048148270",
+        "Tel. (83) 90000-2740",
+        "desde 31/03/2005",
+        "R$ 6.136,00",
+    ]
+
+
+def test_money_days_and_shares_are_shown_as_a_brazilian_office_writes_them(sqlite_escola):
+    invoice = formatted_rows(sqlite_escola, "Faturas em aberto", ["vencimento=2021-06-10"])[0]
+    assert [invoice[key] for key in ("vencimento", "valor", "devido", "emitida_em")] == [
+        "10/06/2021",
+        "R$ 620,00",
+        "R$ 248,00",
+        "20/05/2021 06:02",
+    ]
+    month = formatted_rows(sqlite_escola, "Frequência mensal", ["id_matricula=162"])[0]
+    assert [month[key] for key in ("id_matricula", "mes", "presenca")] == ["000162", "02/2021", "94,1 %"]
+
+
 def saved(school, name):
     """The element as the definition writes itself."""
     text = school.rows("--quiet", "show", name, "--xml")
