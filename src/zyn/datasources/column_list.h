@@ -55,7 +55,7 @@ class ColumnList {
   std::vector<ConstColumn> constants() const { return {columns_.begin(), columns_.end()}; }
 
   /// The list itself, for the owner's loops: all() and constants() copy.
-  std::vector<OwnColumn> const& own() const { return columns_; }
+  std::vector<OwnColumn> const& columns() const { return columns_; }
 
   std::vector<moxDataSourceColumnType> namesAndTypes() const;
 

@@ -90,15 +90,6 @@ bool SQLDataSourceColumn::Reference::names(moxSQLDataSourceColumn const& other) 
   return !isEmpty() && column == other.getColumnName() && table == other.getTableName();
 }
 
-void SQLDataSourceColumn::bindReferences(Column const& column) {
-  if (references_->icon.names(*column)) {
-    iconColumn_ = column;
-  }
-  if (references_->key.names(*column)) {
-    idColumn_ = column;
-  }
-}
-
 std::string SQLDataSourceColumn::getColumnNameFull() const {
   auto const table = names_.tableName.empty() ? std::string() : names_.tableName + ".";
   auto const origin = differingOrigin(names_);

@@ -101,6 +101,9 @@ class SQLDataSourceColumn final : public moxSQLDataSourceColumn {
 
     bool isEmpty() const { return column.empty(); }
     bool names(moxSQLDataSourceColumn const& other) const;
+    bool names(SQLDataSourceColumn const& other) const {  // without copies of its names
+      return !isEmpty() && other.isCalled(table, column);
+    }
   };
 
   struct References {
@@ -109,7 +112,16 @@ class SQLDataSourceColumn final : public moxSQLDataSourceColumn {
   };
 
   static Reference readReference(moxXMLNode const& node, char const* element);
-  void bindReferences(Column const& column);
+  template <class ColumnPointer>
+  void bindReferences(ColumnPointer const& column) {
+    if (references_->icon.names(*column)) {
+      iconColumn_ = column;
+    }
+    if (references_->key.names(*column)) {
+      idColumn_ = column;
+    }
+  }
+
   void loadAttributes(moxXMLNode const& node);
   void loadReferences(moxXMLNode const& node);
   void loadFormatters(moxXMLNode const& node);

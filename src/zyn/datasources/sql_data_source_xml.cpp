@@ -88,7 +88,7 @@ std::string adviceOnColumn(SQLDataSource const& source, std::string const& table
   constexpr std::size_t kListed = 40;
   std::string advice = "no column is called \"" + displayed(table, column) + "\" (tableName \"" +
                        table + "\", columnName \"" + column + "\"); the source has ";
-  auto const& columns = source.columnList().own();
+  auto const& columns = source.columnList().columns();
   if (columns.empty()) {
     return advice + "no columns";
   }
@@ -148,8 +148,8 @@ void readFullColumns(SQLDataSource& source, moxXMLNode const& list) {
   for (int i = 0; auto const element = list.childByIndex(i, "Column"); ++i) {
     source.columnList().append()->load(element);
   }
-  for (auto const& column : source.columnList().own()) {
-    column->updateRelations(&source);
+  for (auto const& column : source.columnList().columns()) {
+    column->updateRelations(&source.columnList());
   }
 }
 
@@ -201,7 +201,7 @@ void readColumns(SQLDataSource& source, moxXMLNode const& node) {
 
 void writeColumns(SQLDataSource const& source, moxXMLNode& node) {
   auto const list = node.addChild("Columns");
-  for (auto const& column : source.columnList().own()) {
+  for (auto const& column : source.columnList().columns()) {
     column->save(list->addChild("Column"));
   }
 }
@@ -277,7 +277,7 @@ void writeRelations(SQLDataSource const& source, moxXMLNode& node) {
 void readRole(SQLDataSource& source, moxXMLNode const& element, Role const& role) {
   auto const table = element.readAttribute("tableName");
   auto const name = element.readAttribute("columnName");
-  for (auto const& column : source.columnList().own()) {
+  for (auto const& column : source.columnList().columns()) {
     if (column->isCalled(table, name)) {
       role.set(source, column);
     }
