@@ -10,9 +10,9 @@
 #include <cstdlib>
 #include <filesystem>
 #include <optional>
-#include <system_error>
 
 #include "cli/output/interrupt_cleanup.h"
+#include "core/storage/behind_links.h"
 #include "core/storage/file_descriptor.h"
 #include "core/storage/file_error.h"
 
@@ -146,13 +146,6 @@ class ReplacingFile : public OutputTarget {
   bool committed_ = false;
 };
 
-/// Where a chain of links ends, so that a link stays and its target is replaced.
-std::filesystem::path behindLinks(std::string const& path) {
-  std::error_code error;
-  auto resolved = std::filesystem::canonical(path, error);
-  return error ? std::filesystem::path(path) : resolved;
-}
-
 }  // namespace
 
 std::unique_ptr<OutputTarget> openStandardOutput() {
@@ -173,7 +166,7 @@ std::unique_ptr<OutputTarget> openOutputFile(std::string const& path) {
   if (access(path.c_str(), W_OK) != 0) {
     fail(path, errno);
   }
-  return std::make_unique<ReplacingFile>(behindLinks(path), existing.st_mode & 07777, path);
+  return std::make_unique<ReplacingFile>(core::behindLinks(path), existing.st_mode & 07777, path);
 }
 
 }  // namespace mox::cli

@@ -8,8 +8,8 @@
 #include <cerrno>
 #include <filesystem>
 #include <optional>
-#include <system_error>
 
+#include "core/storage/behind_links.h"
 #include "core/storage/file_descriptor.h"
 #include "core/storage/file_error.h"
 
@@ -112,13 +112,6 @@ void replaceFile(std::filesystem::path const& target, std::optional<mode_t> mode
   check(temporary.close(), path);
   check(temporary.renameTo(target), path);
   syncDirectory(directory, path);
-}
-
-/// Where the file really lies; the path itself when nothing is there yet.
-std::filesystem::path behindLinks(std::string const& path) {
-  std::error_code error;
-  std::filesystem::path resolved = std::filesystem::canonical(path, error);
-  return error ? std::filesystem::path(path) : resolved;
 }
 
 }  // namespace
