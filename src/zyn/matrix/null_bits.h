@@ -58,7 +58,6 @@ class NullBits {
 
   /// The words, lowest row in the lowest bit; bits past size() are 0.
   std::uint64_t const* words() const { return words_.data(); }
-  std::size_t wordCount() const { return words_.size(); }
 
   /// Whether some row is null: lets a loop over a column without nulls go without asking each row.
   bool any() const {
