@@ -3,7 +3,6 @@
 import os
 import signal
 import subprocess
-import time
 import zlib
 
 import pytest
@@ -337,9 +336,8 @@ def test_an_interrupted_run_leaves_nothing_behind(zyn, folder, ending):
     definitions = "".join(f'<moxZYNPack name="{i:0200}"/>' for i in range(150000))
     put(folder, "a.xml", f"<moxZYNCollection>{definitions}</moxZYNCollection>")
     running = subprocess.Popen([ZYN, "pack", "a.xml", "--out", "a.zcf"], cwd=folder)
-    deadline = time.monotonic() + 60
     while not any(name.startswith(".zyn-") for name in left(folder)):
-        assert running.poll() is None and time.monotonic() < deadline, "the run ended before it could be interrupted"
+        assert running.poll() is None, "the run ended before it could be interrupted"
     running.send_signal(ending)
     assert running.wait(60) == -ending
     assert left(folder) == {"a.xml", "a.zcf"}
