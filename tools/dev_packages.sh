@@ -10,7 +10,7 @@ packages_for() {
       ;;
     tests)
       echo libgtest-dev libgmock-dev librapidcheck-dev mariadb-server-core mariadb-client-core \
-        python3 python3-pytest
+        python3 python3-pytest python3-jsonschema
       ;;
     lint) echo clang-format-14 clang-tidy-14 shellcheck python3 git ;;
     coverage) echo gcovr ;;

@@ -96,6 +96,7 @@ def test_completion_offers_the_values():
     assert completions("zyn", "sql", "--format", "") == {"table", "csv", "json", "ndjson"}
     assert completions("zyn", "sql", "--format", "n") == {"ndjson"}
     assert completions("zyn", "show", "--format", "") == {"tree", "json"}
+    assert completions("zyn", "explain", "--format", "") == {"text", "json"}
     assert completions("zyn", "items", "--kind", "data") == {"data-source", "data-processor"}
     assert completions("zyn", "sql", "--where-word", "") == {"where", "and"}
 
