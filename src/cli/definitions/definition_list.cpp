@@ -66,7 +66,7 @@ std::vector<std::shared_ptr<moxZYNItem const>> usableDefinitions(Host& host) {
   return items;
 }
 
-std::shared_ptr<moxZYNItem const> findDefinition(Host& host, std::string const& description) {
+std::shared_ptr<moxZYNItem> findDefinition(Host& host, std::string const& description) {
   if (auto item = cacheOf(host)->getCollection(description)) {
     return item;
   }

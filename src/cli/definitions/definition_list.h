@@ -23,7 +23,7 @@ std::vector<std::shared_ptr<moxZYNItem const>> usableDefinitions(Host& host);
 
 /// The definition that the session finds by that description. Throws moxError when there is none;
 /// the sentence names similar ones.
-std::shared_ptr<moxZYNItem const> findDefinition(Host& host, std::string const& description);
+std::shared_ptr<moxZYNItem> findDefinition(Host& host, std::string const& description);
 
 /// A note for each element of the collections, of libraries that the session may use, that was left
 /// out when they were read.

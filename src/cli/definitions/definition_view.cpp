@@ -48,7 +48,7 @@ void addSearch(DefinitionView& view, moxSearch const& search) {
 
 }  // namespace
 
-DefinitionView viewOf(moxZYNItem const& item) {
+DefinitionView viewOf(moxZYNItem& item) {
   DefinitionView view;
   view.name = item.description();
   view.kind = kindWord(item);
@@ -62,6 +62,9 @@ DefinitionView viewOf(moxZYNItem const& item) {
     addSearch(view, *search);
   } else if (auto const* const source = dynamic_cast<moxDataSource const*>(&item)) {
     addSource(view, *source);
+  }
+  if (auto const related = item.getZynItemRelated()) {
+    addSetting(view, kindWord(*related), related->description());
   }
   return view;
 }

@@ -64,7 +64,8 @@ struct DefinitionView {
 };
 
 /// Looks at a definition through its public interfaces; a kind that has none is told with what
-/// every definition has.
-DefinitionView viewOf(moxZYNItem const& item);
+/// every definition has. Nothing is changed: only the question for related items is no constant
+/// one.
+DefinitionView viewOf(moxZYNItem& item);
 
 }  // namespace mox::cli

@@ -34,7 +34,7 @@ class ReadingSource final : public moxDataSource {
   std::string name() const override { return "moxReadingSource"; }
   bool load(std::shared_ptr<moxXMLNode>) override { return true; }
   bool save(std::shared_ptr<moxXMLNode>) const override { return true; }
-  std::shared_ptr<moxZYNItem> getZynItemRelated() override { return {}; }
+  std::shared_ptr<moxZYNItem> getZynItemRelated() override { return related; }
   void setParentLibraryName(std::string const&) override {}
   std::string getParentLibName() const override { return {}; }
   std::vector<moxDataSourceColumnType> getColumns() const override {
@@ -56,6 +56,7 @@ class ReadingSource final : public moxDataSource {
   std::shared_ptr<moxDataSourceExecution> createExecution() const override { return {}; }
 
   std::vector<std::shared_ptr<moxDataSource const>> reads;
+  std::shared_ptr<moxZYNItem> related;
 
  private:
   std::string name_;
@@ -140,6 +141,14 @@ TEST_F(DefinitionViewTest, SourcesThatAreReadStandInATreeAndARingEnds) {
             "   │  │  └─ terceira (moxReadingSource), see above\n"
             "   │  └─ primeira (moxReadingSource), see above\n"
             "   └─ terceira (moxReadingSource), see above\n");
+}
+
+TEST_F(DefinitionViewTest, ARelatedDefinitionIsToldWithItsKind) {
+  auto const source = std::make_shared<ReadingSource>("fonte");
+  source->related = item("<moxZYNPack name=\"pacote\"/>");
+  auto const view = viewOf(*source);
+  ASSERT_EQ(view.settings.size(), 1u);
+  EXPECT_EQ(view.settings.front(), std::pair(std::string("pack"), std::string("pacote")));
 }
 
 TEST_F(DefinitionViewTest, AVeryDeepChainOfSourcesIsCut) {
