@@ -2,12 +2,10 @@
 #include <optional>
 #include <string>
 
-#include "core/app/application.h"
+#include "fuzz/module_host.h"
 #include "fuzz/promise.h"
 #include "fuzz/targets.h"
-#include "mox/core/module.h"
 #include "mox/core/xml.h"
-#include "mox/zyn/frame/plugin_entry.h"
 #include "mox/zyn/items/zyn_collection.h"
 #include "mox/zyn/items/zyn_file_format.h"
 #include "mox/zyn/items/zyn_utils.h"
@@ -15,31 +13,6 @@
 namespace mox::fuzz {
 
 namespace {
-
-/// An application with the module linked in. The module keeps it in globals, which are given back.
-class ModuleHost {
- public:
-  ModuleHost() {
-    application_.emplace();
-    application_->addModule({moxPlugIn_ModuleVersion, moxPlugIn_DoValidityCheck,
-                             moxPlugIn_EntryPoint, moxPlugIn_RegisterClasses},
-                            "the linked module");
-  }
-  ModuleHost(ModuleHost const&) = delete;
-  ModuleHost& operator=(ModuleHost const&) = delete;
-  ~ModuleHost() {
-    application_.reset();
-    moxPlugIn_EntryPoint(nullptr, nullptr);
-  }
-
-  template <class T>
-  std::shared_ptr<T> get(char const* name) {
-    return application_->get<T>(name);
-  }
-
- private:
-  std::optional<core::Application> application_;
-};
 
 std::string textOf(moxReadBlob const& blob) {
   return {blob.data(), blob.size()};

@@ -59,5 +59,9 @@ TEST(FuzzCorpus, CollectionFilesReplay) {
   EXPECT_GE(replay("collection", readCollection), 10);
 }
 
+TEST(FuzzCorpus, FilterArgumentsReplay) {
+  EXPECT_GE(replay("filter_argument", readFilter), 10);
+}
+
 }  // namespace
 }  // namespace mox::fuzz
