@@ -282,7 +282,9 @@ void DataMatrixSQLLoader::bindFilters(Statement const& statement) const {
 
 void DataMatrixSQLLoader::initFetchColumns(
     moxDatabaseConnection::PreparedStatement const& statement) {
-  if (!rebuildFetchers_) {
+  // A table that was altered between two executions gives another number of fields.
+  bool const sameFields = fetchers_.size() == static_cast<std::size_t>(statement.fieldCount());
+  if (!rebuildFetchers_ && sameFields) {
     return;
   }
   fetchers_.clear();

@@ -238,6 +238,18 @@ TEST_F(LoaderTest, ColumnDroppedBetweenExecutionsLeavesNothingDangling) {
   EXPECT_THAT(matrix_, isMatrix({{"a", ints(1)}}));
 }
 
+TEST_F(LoaderTest, FieldsThatComeOrGoBetweenExecutionsAreReadByName) {
+  database_.result = {{{"a", FieldType::kInt}, {"b", FieldType::kInt}}, {{1, 2}}, -1};
+  loader_.execute();
+  database_.result = {{{"b", FieldType::kInt}}, {{7}}, -1};
+  loader_.execute();
+  EXPECT_EQ(matrix_->columnByName("b")->numRows(), 1U);
+  database_.result = {
+      {{"c", FieldType::kInt}, {"b", FieldType::kInt}, {"a", FieldType::kInt}}, {{1, 2, 3}}, -1};
+  loader_.execute();
+  EXPECT_THAT(matrix_, isMatrix({{"a", ints(3)}, {"b", ints(2)}}));
+}
+
 TEST_F(LoaderTest, ReservesWhatTheStatementReports) {
   database_.result = {{{"a", FieldType::kInt}}, {}, 5000};
   loader_.execute();
