@@ -25,6 +25,12 @@ def count_cases(root):
     return ran
 
 
+def exit_status(results, program):
+    """The program's own, or 0 where none was noted."""
+    noted = results / f"{program}.status"
+    return int(noted.read_text()) if noted.exists() else 0
+
+
 def main(results, programs):
     passed = failed = 0
     for program in programs:
@@ -37,6 +43,10 @@ def main(results, programs):
         bad = list(failed_cases(root))
         for name in bad:
             print(f"FAILED {program}: {name}")
+        status = exit_status(results, program)
+        if status != 0 and not bad:
+            print(f"FAILED {program}: it ended with status {status}, though no test failed")
+            failed += 1
         ran = count_cases(root)
         if ran == 0:
             print(f"FAILED {program}: it ran no test")
