@@ -6,6 +6,7 @@
 #include <stdexcept>
 
 #include "mox/core/application.h"
+#include "mox/core/error_with_details.h"
 #include "mox/core/session.h"
 #include "mox/zyn/datasources/data_source.h"
 #include "mox/zyn/datasources/data_source_execution.h"
@@ -25,22 +26,9 @@ using Source = std::shared_ptr<moxDataSource const>;
 }
 
 /// A failure inside a run, with the definition among its details.
-class RunError final : public moxError {
- public:
-  RunError(moxError const& cause, std::string const& definition)
-      : message_(cause.errorMessage()), code_(cause.errorCode()), details_(cause.errorDetails()) {
-    details_.push_back("in the definition " + quotedForMessage(definition));
-  }
-
-  std::string errorMessage() const override { return message_; }
-  std::vector<std::string> errorDetails() const override { return details_; }
-  std::string errorCode() const override { return code_; }
-
- private:
-  std::string message_;
-  std::string code_;
-  std::vector<std::string> details_;
-};
+moxErrorWithDetails runError(moxError const& cause, std::string const& definition) {
+  return {cause, {}, {"in the definition " + quotedForMessage(definition)}};
+}
 
 template <class T>
 std::shared_ptr<T> made(VELMORApplication& application, char const* className) {
@@ -174,9 +162,9 @@ std::shared_ptr<moxDataMatrix> DefinitionRun::run(
   try {
     context_->processDataSources(std::move(notifier), list_, units_, 0);
   } catch (moxError const& error) {
-    throw RunError(error, name_);
+    throw runError(error, name_);
   } catch (std::out_of_range const& error) {
-    throw RunError(moxDefaultErrorImpl<moxError>("the definition refers to more than there is",
+    throw runError(moxDefaultErrorImpl<moxError>("the definition refers to more than there is",
                                                  {error.what()}),
                    name_);
   }

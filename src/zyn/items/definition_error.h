@@ -1,9 +1,9 @@
 #pragma once
 
 #include <string>
-#include <vector>
 
 #include "mox/core/error.h"
+#include "mox/core/error_with_details.h"
 #include "mox/core/xml.h"
 
 /// Failures of definitions, told so that their author finds the place: the sentence is fixed, the
@@ -21,23 +21,9 @@ inline moxDefaultErrorImpl<moxError> definitionError(std::string message, moxXML
                                        {"element: " + placeOf(element), advice});
 }
 
-/// A failure inside an item, as it was, with the item ahead of its details.
-class ItemFailure final : public moxError {
- public:
-  /// `element` is the item's; definitions are called by its attribute "name", where they have one.
-  ItemFailure(moxError const& error, moxXMLNode const& element)
-      : message_(error.errorMessage()), code_(error.errorCode()), details_(error.errorDetails()) {
-    auto const name = element.readAttribute("name");
-    details_.insert(details_.begin(),
-                    "item: " + placeOf(element) + (name.empty() ? "" : ", name \"" + name + "\""));
-  }
-
-  std::string errorMessage() const override { return message_; }
-  std::vector<std::string> errorDetails() const override { return details_; }
-  std::string errorCode() const override { return code_; }
-
- private:
-  std::string message_;
-  std::string code_;
-  std::vector<std::string> details_;
-};
+/// A failure inside an item, as it was, with the item ahead of its details. `element` is the
+/// item's; definitions are called by its attribute "name", where they have one.
+inline moxErrorWithDetails itemFailure(moxError const& error, moxXMLNode const& element) {
+  auto const name = element.readAttribute("name");
+  return {error, {"item: " + placeOf(element) + (name.empty() ? "" : ", name \"" + name + "\"")}};
+}

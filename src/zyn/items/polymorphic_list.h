@@ -42,7 +42,7 @@ Reading read(std::shared_ptr<moxXMLNode> const& element, std::shared_ptr<T>& ite
     reason = error.errorMessage();
     return Reading::kUnknown;
   } catch (moxError const& error) {
-    throw ItemFailure(error, *element);
+    throw itemFailure(error, *element);
   }
 }
 

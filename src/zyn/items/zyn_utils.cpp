@@ -9,6 +9,7 @@
 #include "mox/core/application.h"
 #include "mox/core/blob.h"
 #include "mox/core/compress.h"
+#include "mox/core/error_with_details.h"
 #include "mox/core/file_operations.h"
 #include "mox/core/xml.h"
 #include "mox/zyn/format/generic_formatter.h"
@@ -41,33 +42,6 @@ bool tellsFile(moxError const& error, std::string const& path) {
                      [&](std::string const& text) { return text.find(path) != std::string::npos; });
 }
 
-/// A failure as it was, with further details.
-class FileFailure final : public moxError {
- public:
-  FileFailure(moxError const& error, std::vector<std::string> details)
-      : message_(error.errorMessage()), code_(error.errorCode()), details_(std::move(details)) {}
-
-  std::string errorMessage() const override { return message_; }
-  std::vector<std::string> errorDetails() const override { return details_; }
-  std::string errorCode() const override { return code_; }
-
- private:
-  std::string message_;
-  std::string code_;
-  std::vector<std::string> details_;
-};
-
-/// `first`, the details of a failure, and `last` where it is not empty.
-std::vector<std::string> detailsWith(std::string const& first, moxError const& error,
-                                     std::string const& last = {}) {
-  auto details = error.errorDetails();
-  details.insert(details.begin(), first);
-  if (!last.empty()) {
-    details.push_back(last);
-  }
-  return details;
-}
-
 /// Reads a file by `read`; failures that do not tell which file it was get its name as a detail.
 template <class Read>
 auto namingFile(std::string const& path, Read const& read) {
@@ -77,7 +51,7 @@ auto namingFile(std::string const& path, Read const& read) {
     if (tellsFile(error, path)) {
       throw;
     }
-    throw FileFailure(error, detailsWith("file: " + path, error));
+    throw moxErrorWithDetails(error, {"file: " + path});
   }
 }
 
@@ -225,9 +199,9 @@ std::shared_ptr<moxBlob> zynUtils::documentOf(moxReadBlob const& content,
   try {
     return compressor()->decompress(*cursor);
   } catch (moxError const& error) {
-    throw FileFailure(error, detailsWith("file: " + path, error,
-                                         "the compressed data begins at byte " +
-                                             std::to_string(header.size()) + " of the file"));
+    throw moxErrorWithDetails(
+        error, {"file: " + path},
+        {"the compressed data begins at byte " + std::to_string(header.size()) + " of the file"});
   }
 }
 

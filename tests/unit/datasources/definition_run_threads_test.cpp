@@ -1,6 +1,5 @@
 #include <atomic>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -16,6 +15,7 @@
 #include "mox/zyn/matrix/data_matrix.h"
 #include "mox/zyn/matrix/data_matrix_column.h"
 #include "mox/zyn/sql/data_matrix_sql_unique_filters.h"
+#include "support/many_threads.h"
 #include "support/temporary_directory.h"
 #include "support/test_host.h"
 
@@ -134,18 +134,6 @@ class DefinitionRunThreads : public testing::Test {
 }  // namespace
 
 TEST_F(DefinitionRunThreads, SixtyFourSessionsRunAndFormatOneDefinitionAtOnce) {
-  std::vector<std::thread> threads;
-  for (int t = 0; t < kThreads; ++t) {
-    threads.emplace_back([this, t] {
-      for (int round = 0; round < kRounds; ++round) {
-        for (int number = t; number < kSessions; number += kThreads) {
-          work(number);
-        }
-      }
-    });
-  }
-  for (auto& thread : threads) {
-    thread.join();
-  }
+  runInThreads(kThreads, kRounds, kSessions, [this](int number) { work(number); });
   EXPECT_EQ(faults_, 0);
 }

@@ -1,9 +1,9 @@
 #include <atomic>
-#include <thread>
 #include <vector>
 
 #include "core/session/session.h"
 #include "mox/zyn/items/zyn_cache.h"
+#include "support/many_threads.h"
 #include "unit/items/items_fixture.h"
 
 using items_test::ItemsTest;
@@ -55,33 +55,11 @@ class ItemsThreads : public ItemsTest {
 }  // namespace
 
 TEST_F(ItemsThreads, SixtyFourSessionsReadTheCacheAtOnce) {
-  std::vector<std::thread> threads;
-  for (int t = 0; t < kThreads; ++t) {
-    threads.emplace_back([this, t] {
-      for (int round = 0; round < kRounds; ++round) {
-        for (int number = t; number < kSessions; number += kThreads) {
-          work(number);
-        }
-      }
-    });
-  }
-  for (auto& thread : threads) {
-    thread.join();
-  }
+  runInThreads(kThreads, kRounds, kSessions, [this](int number) { work(number); });
   EXPECT_EQ(faults_, 0);
 }
 
 TEST_F(ItemsThreads, ThreadsOfOneSessionSeedItsCacheOnce) {
-  std::vector<std::thread> threads;
-  for (int t = 0; t < kThreads; ++t) {
-    threads.emplace_back([this] {
-      for (int round = 0; round < kRounds; ++round) {
-        work(0);
-      }
-    });
-  }
-  for (auto& thread : threads) {
-    thread.join();
-  }
+  runInThreads(kThreads, kRounds, kThreads, [this](int) { work(0); });
   EXPECT_EQ(faults_, 0);
 }
