@@ -155,6 +155,28 @@ def test_a_description_that_is_there_twice_is_told_with_both_places(zyn, folder)
     assert (folder / "a.zcf").exists()
 
 
+def source_with(role):
+    return (
+        '<moxZYNCollection>\n<moxSQLDataSource name="Alunos">\n<Command type="0">select a.id from a</Command>\n'
+        f'{role}<Columns><Column tableName="a" columnName="id" Type="2"/></Columns>'
+        "</moxSQLDataSource></moxZYNCollection>"
+    )
+
+
+def test_a_unit_column_that_is_not_there_is_an_error(zyn, folder):
+    put(folder, "a.xml", source_with('<unidadeColumn tableName="a" columnName="unidad"/>'))
+    line = zyn.refusal("pack", "a.xml", "--out", "a.zcf")
+    assert line == 'a.xml:4: unidadeColumn names no column of "Alunos": tableName "a", columnName "unidad"'
+    assert left(folder) == {"a.xml"}
+
+
+def test_other_roles_for_columns_that_are_not_there_are_told(zyn, folder):
+    put(folder, "a.xml", source_with('<mainData tableName="b" columnName="id"/>'))
+    done = zyn.zyn("pack", "a.xml", "--out", "a.zcf")
+    assert done.returncode == 0
+    assert done.stderr == 'zyn: note: a.xml:4: mainData names no column of "Alunos": tableName "b", columnName "id"\n'
+
+
 def test_elements_that_nobody_knows_are_taken_along_and_told(zyn, folder):
     text = '<moxZYNCollection>\n<moxFuture a="1"/>\n<moxZYNPack name="p">\n<moxLater/></moxZYNPack>\n<moxDataMatrix/>' \
            "\n</moxZYNCollection>"  # fmt: skip

@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include <string_view>
+
 #include "mox/core/blob.h"
 #include "mox/core/file_operations.h"
 #include "mox/core/xml.h"
@@ -13,6 +15,10 @@ namespace mox::cli {
 namespace {
 
 constexpr char const* kRoot = "moxZYNCollection";
+
+// Elements of a source that give one of its columns a role.
+constexpr std::string_view kUnitRole = "unidadeColumn";
+constexpr std::string_view kRoles[] = {kUnitRole, "mainData", "statusColumn", "descricaoColumn"};
 
 [[noreturn]] void fail(std::string const& place, std::string const& what) {
   throw moxDefaultErrorImpl<moxError>(place + ": " + what);
@@ -67,6 +73,7 @@ void CollectionReader::readElement(std::string const& path,
     if (!at(place, [&] { return item->load(element); })) {
       fail(place, name + " is not complete: its class refuses it");
     }
+    checkRoles(path, *element, *item);
     if (auto const* const report = dynamic_cast<moxZYNLoadReport const*>(item.get())) {
       for (auto const& left : report->skippedElements()) {
         takeAlong(fmt::format("{}:{}", path, left.line), left.elementName, left.reason);
@@ -75,6 +82,29 @@ void CollectionReader::readElement(std::string const& path,
     remember(item->description(), place);
   } catch (moxPluginNotFound const& error) {
     takeAlong(place, name, error.errorMessage());
+  }
+}
+
+/// A source drops a role whose column it does not have, without a word. Where it is the unit's
+/// column every user would see every row.
+void CollectionReader::checkRoles(std::string const& path, moxXMLNode const& element,
+                                  moxZYNItem const& item) {
+  auto const saved = host_.make<moxXMLDocument>("moxXMLDocument");
+  saved->create(element.elementName());
+  item.save(saved->root());
+  for (auto const role : kRoles) {
+    auto const asked = element.childByIndex(0, role);
+    if (!asked || saved->root()->childByIndex(0, role)) {
+      continue;
+    }
+    auto const place = placeOf(path, *asked);
+    auto const fault = fmt::format(
+        "{} names no column of \"{}\": tableName \"{}\", columnName \"{}\"", role,
+        item.description(), asked->readAttribute("tableName"), asked->readAttribute("columnName"));
+    if (role == kUnitRole) {
+      fail(place, fault);
+    }
+    notes_.add(place + ": " + fault);
   }
 }
 

@@ -9,6 +9,7 @@
 
 class moxBlob;
 class moxXMLNode;
+class moxZYNItem;
 
 namespace mox::cli {
 
@@ -20,9 +21,9 @@ struct OpenCollection {
 };
 
 /// Reads open collection files and proves that a cache will be able to read them: well-formed, the
-/// right root, and every definition taken by its class. What is allowed but hardly meant becomes a
-/// note: elements that no library knows, and a description that is there twice, in one file or in
-/// several.
+/// right root, every definition taken by its class, and a unit column that there is. What is
+/// allowed but hardly meant becomes a note: elements that no library knows, a description that is
+/// there twice, in one file or in several, and other roles for columns that are not there.
 class CollectionReader {
  public:
   CollectionReader(Host& host, Notes& notes) : host_(host), notes_(notes) {}
@@ -32,6 +33,7 @@ class CollectionReader {
 
  private:
   void readElement(std::string const& path, std::shared_ptr<moxXMLNode> const& element);
+  void checkRoles(std::string const& path, moxXMLNode const& element, moxZYNItem const& item);
   void takeAlong(std::string const& place, std::string const& element, std::string const& reason);
   void remember(std::string const& description, std::string const& place);
 
