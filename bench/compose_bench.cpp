@@ -1,5 +1,5 @@
 // What a run of a SQL source costs beside the database: a definition of 30 columns and 10 filters,
-// with tokens, a manager, a filter source and a unit column, on a connection that takes everything
+// with tokens, a manager and a unit column, on a connection that takes everything
 // and has no rows. Beside it a loop by hand that joins the same text and binds the same values.
 
 #include <benchmark/benchmark.h>
