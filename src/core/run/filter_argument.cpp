@@ -94,7 +94,7 @@ Match match(std::string_view text, Offers const& offers, NamesOf namesOf) {
 
 std::string formText(moxFilterSpecification const& specification) {
   constexpr char const* kValues[] = {"NUMBER", "NUMBER", "TEXT", "DAY", "VALUE"};
-  std::string const value = kValues[std::clamp<int>(specification.getType(), 0, 4)];
+  std::string value = kValues[std::clamp<int>(specification.getType(), 0, 4)];
   switch (formOf(specification)) {
     case FilterForm::kRange:
       return "MIN..MAX";
