@@ -15,6 +15,7 @@
 #include "core/session/user_directory.h"
 #include "mox/core/application.h"
 #include "mox/core/module.h"
+#include "mox/core/plugin_lookup.h"
 
 namespace mox::core {
 
@@ -26,7 +27,7 @@ struct DatabaseOptions;
 /// Life: make it, load modules, start(), open sessions and work from any threads, let go of the
 /// sessions, stop(), destroy it. Loading, starting, stopping and the set... operations belong to
 /// one thread, while no other uses the application; everything else is safe from any thread.
-class Application final : public VELMORApplication {
+class Application final : public VELMORApplication, public moxPluginLookup {
  public:
   explicit Application(Settings settings = {});
 
@@ -40,6 +41,10 @@ class Application final : public VELMORApplication {
   std::shared_ptr<moxPluginBase> get(std::string const& name,
                                      std::type_info const& wantedType) override;
   using VELMORApplication::get;
+  std::shared_ptr<moxPluginBase> find(std::string const& name,
+                                      std::type_info const& wantedType) override {
+    return registry_.find(name, wantedType);
+  }
   moxSettings& settings() override { return settings_; }
   moxDatabaseConnection& databaseConnection() override;
   moxTypeService& typeService() override { return types_; }

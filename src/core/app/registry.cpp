@@ -35,15 +35,18 @@ void Registry::add(Registration registration) {
 
 std::shared_ptr<moxPluginBase> Registry::get(std::string const& name,
                                              std::type_info const& wantedType) const {
-  auto const* const container = find(name);
+  auto const* const container = containerOf(name);
   if (container == nullptr) {
     throw moxDefaultErrorImpl<moxPluginNotFound>(
         fmt::format("no class is registered under the name '{}'", name));
   }
-  if (!container->isAvaliable() || !types_.isDerivedFrom(container->getTypeInfo(), wantedType)) {
-    return {};
-  }
-  return container->getInstance();
+  return instanceOf(*container, wantedType);
+}
+
+std::shared_ptr<moxPluginBase> Registry::find(std::string const& name,
+                                              std::type_info const& wantedType) const {
+  auto const* const container = containerOf(name);
+  return container != nullptr ? instanceOf(*container, wantedType) : nullptr;
 }
 
 std::vector<RegisteredClass> Registry::classes() const {
@@ -109,7 +112,15 @@ std::exception_ptr Registry::stopAll() {
   return firstFailure;
 }
 
-moxCorePluginBasicContainer const* Registry::find(std::string const& name) const {
+std::shared_ptr<moxPluginBase> Registry::instanceOf(moxCorePluginBasicContainer const& container,
+                                                    std::type_info const& wantedType) const {
+  if (!container.isAvaliable() || !types_.isDerivedFrom(container.getTypeInfo(), wantedType)) {
+    return {};
+  }
+  return container.getInstance();
+}
+
+moxCorePluginBasicContainer const* Registry::containerOf(std::string const& name) const {
   std::shared_lock const lock(mutex_);
   auto const found = byName_.find(name);
   return found != byName_.end() ? found->second : nullptr;

@@ -46,6 +46,10 @@ class Registry {
   std::shared_ptr<moxPluginBase> get(std::string const& name,
                                      std::type_info const& wantedType) const;
 
+  /// As moxPluginLookup::find.
+  std::shared_ptr<moxPluginBase> find(std::string const& name,
+                                      std::type_info const& wantedType) const;
+
   /// Every class, in the order of registration.
   std::vector<RegisteredClass> classes() const;
 
@@ -64,7 +68,9 @@ class Registry {
  private:
   bool isStarted(moxServiceBase const* service) const;
   std::exception_ptr stopAll();
-  moxCorePluginBasicContainer const* find(std::string const& name) const;
+  moxCorePluginBasicContainer const* containerOf(std::string const& name) const;
+  std::shared_ptr<moxPluginBase> instanceOf(moxCorePluginBasicContainer const& container,
+                                            std::type_info const& wantedType) const;
   void demandFree(std::vector<Registration::ClassEntry> const& entries) const;
 
   moxTypeService const& types_;

@@ -26,7 +26,7 @@ constexpr int kMaxCell = 65536;
 // without them, or whose settings cannot be made, is as good a control.
 std::shared_ptr<moxPropertiesObject> extraPropertiesOf(std::string const& control) {
   try {
-    return moxApp->get<moxPropertiesObject>(control + "_ep");
+    return registeredOrNone<moxPropertiesObject>(control + "_ep");
   } catch (...) {
     return {};
   }

@@ -2,15 +2,20 @@
 
 #include <memory>
 #include <string>
+#include <typeinfo>
 
 #include "mox/core/application.h"
 #include "mox/core/error.h"
+#include "mox/core/plugin_lookup.h"
 #include "mox/zyn/frame/plugin_entry.h"
 
 /// An object by a name that may come from a file; empty also when nobody registered the name, which
 /// the callers do not tell apart from a class of another kind.
 template <class T>
 std::shared_ptr<T> registeredOrNone(std::string const& name) {
+  if (auto* const lookup = dynamic_cast<moxPluginLookup*>(moxApp)) {
+    return std::dynamic_pointer_cast<T>(lookup->find(name, typeid(T)));
+  }
   try {
     return moxApp->get<T>(name);
   } catch (moxPluginNotFound const&) {

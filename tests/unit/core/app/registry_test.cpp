@@ -143,6 +143,13 @@ TEST_F(RegistryTest, AnUnknownNameThrowsPluginNotFound) {
   }
 }
 
+TEST_F(RegistryTest, WhatIsLookedForIsEmptyForAnUnknownName) {
+  addInterface();
+  EXPECT_EQ(registry_.find("moxAbsent", typeid(Interface)), nullptr);
+  EXPECT_EQ(registry_.find("moxInterface", typeid(OtherInterface)), nullptr);
+  EXPECT_NE(registry_.find("moxInterface", typeid(Interface)), nullptr);
+}
+
 TEST_F(RegistryTest, NamesAreComparedByteByByte) {
   addInterface();
   EXPECT_THROW(registry_.get("moxinterface", typeid(Interface)), moxPluginNotFound);
