@@ -23,39 +23,13 @@ bool isText(char const* text, std::string_view wanted) {
   return *text == '\0';
 }
 
-pugi::xml_attribute findAttribute(pugi::xml_attribute from, pugi::xml_attribute until,
-                                  std::string_view name) {
-  auto at = from;
-  while (at != until && !isText(at.name(), name)) {
+/// The value of the first one of that name from `at` on; empty when there is none.
+std::string_view attributeFrom(pugi::xml_attribute at, std::string_view name) {
+  while (at && !isText(at.name(), name)) {
     at = at.next_attribute();
   }
-  return at != until ? at : pugi::xml_attribute();
+  return at.value();
 }
-
-std::string_view attributeOf(pugi::xml_node node, std::string_view name) {
-  return findAttribute(node.first_attribute(), {}, name).value();
-}
-
-/// What a child is looked for by.
-struct Wanted {
-  std::string_view elementName;
-  std::string_view attributeName;
-  std::string_view attributeValue;
-
-  bool matches(pugi::xml_node node) const {
-    return node.type() == pugi::node_element &&
-           (elementName.empty() || isText(node.name(), elementName)) &&
-           (attributeName.empty() || attributeOf(node, attributeName) == attributeValue);
-  }
-
-  /// The first match from `node` on among its siblings.
-  pugi::xml_node firstFrom(pugi::xml_node node) const {
-    while (node && !matches(node)) {
-      node = node.next_sibling();
-    }
-    return node;
-  }
-};
 
 std::string requireXmlText(std::string_view text) {
   if (text.find('\0') != std::string_view::npos) {
@@ -102,30 +76,83 @@ std::shared_ptr<moxXMLNode> XmlNode::childByIndex(int index, std::string_view el
   if (index < 0) {
     return {};
   }
-  Wanted const wanted{elementName, attributeName, attributeValue};
-  bool const sameWalk = walk_.index >= 0 && walk_.changes == tree_->changes() &&
-                        walk_.elementName == elementName && walk_.attributeName == attributeName &&
-                        walk_.attributeValue == attributeValue;
-  bool const goOn = sameWalk && walk_.index <= index;
-  int found = goOn ? walk_.index : 0;
-  pugi::xml_node at = goOn ? walk_.at : wanted.firstFrom(node_.first_child());
-  while (at && found < index) {
-    at = wanted.firstFrom(at.next_sibling());
-    ++found;
+  if (childrenChanges_ != tree_->changes()) {
+    children_.clear();
+    walk_.reset();
+    childrenChanges_ = tree_->changes();
   }
-  if (!at) {
+  pugi::xml_node const found = find(index, {elementName, attributeName, attributeValue});
+  if (!found) {
     return {};
   }
-  // A look at one first child, in the middle of a walk over others, does not end that walk.
-  if (index > 0 || walk_.index < 0) {
-    walk_ = {std::string(elementName),
-             std::string(attributeName),
-             std::string(attributeValue),
-             found,
-             at,
-             tree_->changes()};
+  return std::make_shared<XmlNode>(tree_, found, depth_ + 1);
+}
+
+bool XmlNode::Walk::isFor(Wanted const& wanted) const {
+  return elementName == wanted.elementName && attributeName == wanted.attributeName &&
+         attributeValue == wanted.attributeValue;
+}
+
+pugi::xml_node XmlNode::find(int index, Wanted const& wanted) const {
+  if (wanted.elementName.empty() && wanted.attributeName.empty()) {
+    auto const* const child = childAt(static_cast<std::size_t>(index));
+    return child != nullptr ? child->node : pugi::xml_node();
   }
-  return std::make_shared<XmlNode>(tree_, at, depth_ + 1);
+  bool const goOn = walk_ && walk_->index <= index && walk_->isFor(wanted);
+  std::size_t position = goOn ? walk_->position : 0;
+  int left = goOn ? index - walk_->index : index;  // matches to pass over
+  for (; auto const* const child = childAt(position); ++position) {
+    if (matches(*child, wanted) && left-- == 0) {
+      keepWalk(index, position, wanted);
+      return child->node;
+    }
+  }
+  return {};
+}
+
+// A look at one first child, in the middle of a walk over others, does not end that walk, and
+// begins none: the next one of the name is found from the start as well.
+void XmlNode::keepWalk(int index, std::size_t position, Wanted const& wanted) const {
+  if (index == 0) {
+    return;
+  }
+  if (!walk_ || !walk_->isFor(wanted)) {
+    walk_ = std::make_unique<Walk>(Walk{std::string(wanted.elementName),
+                                        std::string(wanted.attributeName),
+                                        std::string(wanted.attributeValue)});
+  }
+  walk_->index = index;
+  walk_->position = position;
+}
+
+bool XmlNode::matches(Child const& child, Wanted const& wanted) {
+  return (wanted.elementName.empty() || isText(child.name, wanted.elementName)) &&
+         (wanted.attributeName.empty() ||
+          attributeFrom(child.node.first_attribute(), wanted.attributeName) ==
+              wanted.attributeValue);
+}
+
+/// The child element with that number; null when there are fewer.
+XmlNode::Child const* XmlNode::childAt(std::size_t position) const {
+  while (position >= children_.size()) {
+    if (!listNextChild()) {
+      return nullptr;
+    }
+  }
+  return &children_[position];
+}
+
+/// Lists one more element, if there is one: also one that was added since.
+bool XmlNode::listNextChild() const {
+  auto at = children_.empty() ? node_.first_child() : children_.back().node.next_sibling();
+  while (at && at.type() != pugi::node_element) {
+    at = at.next_sibling();
+  }
+  if (!at) {
+    return false;
+  }
+  children_.push_back({at, at.name()});
+  return true;
 }
 
 std::shared_ptr<moxXMLNode> XmlNode::addChild(std::string_view name) {
@@ -140,16 +167,30 @@ std::shared_ptr<moxXMLNode> XmlNode::addChild(std::string_view name) {
 }
 
 std::string XmlNode::readAttribute(std::string_view name) const {
-  auto const first = node_.first_attribute();
-  auto const start = next_.changes == tree_->changes() && next_.at ? next_.at : first;
-  auto found = findAttribute(start, {}, name);
-  if (!found && start != first) {
-    found = findAttribute(first, start, name);
+  auto& known = attributes_;
+  if (known.changes != tree_->changes()) {
+    listAttributes();
   }
-  if (found) {
-    next_ = {found.next_attribute(), tree_->changes()};
+  for (std::size_t tried = 0, at = known.next; tried < known.count; ++tried, ++at) {
+    at = at < known.count ? at : 0;
+    if (isText(known.list[at].name, name)) {
+      known.next = at + 1;
+      return known.list[at].value;
+    }
   }
-  return found.value();
+  return std::string(attributeFrom(known.more, name));
+}
+
+void XmlNode::listAttributes() const {
+  auto& known = attributes_;
+  known.count = 0;
+  known.next = 0;
+  auto at = node_.first_attribute();
+  for (; at && known.count < kListed; at = at.next_attribute()) {
+    known.list[known.count++] = {at.name(), at.value()};
+  }
+  known.more = at;
+  known.changes = tree_->changes();
 }
 
 void XmlNode::writeAttribute(std::string_view name, std::string_view value) {

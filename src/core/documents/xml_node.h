@@ -1,10 +1,13 @@
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <pugixml.hpp>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "core/documents/xml_tree.h"
 #include "mox/core/xml.h"
@@ -32,27 +35,61 @@ class XmlNode : public moxXMLNode {
   int line() const override { return tree_->lineOf(node_); }
 
  private:
-  /// The last child that was found and what for: the next one is looked for from there.
+  static constexpr std::uint64_t kNever = ~std::uint64_t{0};
+  static constexpr std::size_t kListed = 12;
+
+  /// What a child is looked for by.
+  struct Wanted {
+    std::string_view elementName;
+    std::string_view attributeName;
+    std::string_view attributeValue;
+  };
+
+  struct Child {
+    pugi::xml_node node;
+    char const* name;
+  };
+
+  /// The last child of a name that was found: the next one is looked for from there.
   struct Walk {
     std::string elementName;
     std::string attributeName;
     std::string attributeValue;
-    int index = -1;  // -1: no walk yet
-    pugi::xml_node at;
-    std::uint64_t changes = 0;  // valid while the tree's number is the same
+    int index = 0;
+    std::size_t position = 0;  // in children_
+
+    bool isFor(Wanted const& wanted) const;
   };
 
-  /// Where an attribute is looked for first: most are read in the order in which they stand.
-  struct NextAttribute {
-    pugi::xml_attribute at;
-    std::uint64_t changes = 0;  // as Walk's
+  struct Attribute {
+    char const* name;
+    char const* value;
   };
+
+  /// The attributes as they stand, the first ones of many. Each step along the parser's own list is
+  /// several calls into its library, and most attributes are read.
+  struct Attributes {
+    std::uint64_t changes = kNever;  // valid while the tree's number is the same
+    std::size_t count = 0;
+    std::size_t next = 0;      // looked at first: most are read in the order in which they stand
+    pugi::xml_attribute more;  // the first one that is not listed
+    std::array<Attribute, kListed> list;  // `count` of them are set
+  };
+
+  void listAttributes() const;
+  bool listNextChild() const;
+  Child const* childAt(std::size_t position) const;
+  static bool matches(Child const& child, Wanted const& wanted);
+  pugi::xml_node find(int index, Wanted const& wanted) const;
+  void keepWalk(int index, std::size_t position, Wanted const& wanted) const;
 
   std::shared_ptr<XmlTree> tree_;
   pugi::xml_node node_;
   int depth_;
-  mutable NextAttribute next_;
-  mutable Walk walk_;
+  mutable std::uint64_t childrenChanges_ = kNever;  // as Attributes' changes
+  mutable std::vector<Child> children_;  // elements, from the first one on as far as asked for
+  mutable std::unique_ptr<Walk> walk_;   // over children_
+  mutable Attributes attributes_;
 };
 
 /// Throws DocumentError unless the text can stand as a name. For all that write one.

@@ -20,6 +20,25 @@ bool isForbidden(char c) {
   return static_cast<unsigned char>(c) < 0x20 && !isXmlSpace(c);
 }
 
+/// The first forbidden character, or the end. Blocks without one, nearly all, are passed by a loop
+/// that has no way out in the middle, so that it takes many characters in a step.
+std::size_t findForbidden(std::string_view text) {
+  constexpr std::size_t kBlock = 256;
+  std::size_t at = 0;
+  for (; at + kBlock <= text.size(); at += kBlock) {
+    unsigned char any = 0;
+    for (std::size_t i = at; i < at + kBlock; ++i) {
+      any |= static_cast<unsigned char>(isForbidden(text[i]));
+    }
+    if (any != 0) {
+      break;
+    }
+  }
+  auto const rest = text.substr(at);
+  return at + static_cast<std::size_t>(std::find_if(rest.begin(), rest.end(), isForbidden) -
+                                       rest.begin());
+}
+
 /// Names may be as long as the document; messages show their beginning.
 std::string shown(std::string_view name) {
   constexpr std::size_t kShown = 60;
@@ -105,9 +124,9 @@ class Scanner {
     if (invalid != kNowhere) {
       fail(invalid, "the text is not valid in its encoding");
     }
-    auto const control = std::find_if(text_.begin(), text_.end(), isForbidden);
-    if (control != text_.end()) {
-      fail(static_cast<std::size_t>(control - text_.begin()), "control characters are not allowed");
+    std::size_t const control = findForbidden(text_);
+    if (control < text_.size()) {
+      fail(control, "control characters are not allowed");
     }
   }
 
@@ -175,7 +194,12 @@ class Scanner {
   }
 
   void markup() {
-    if (starts("<!--")) {
+    char const second = at_ + 1 < text_.size() ? text_[at_ + 1] : '\0';
+    if (second != '!' && second != '?' && second != '/') {
+      startTag();
+    } else if (second == '/') {
+      endTag();
+    } else if (starts("<!--")) {
       skipPast("<!--", "-->", "the comment never ends");
     } else if (starts("<![CDATA[") && !open_.empty()) {
       skipPast("<![CDATA[", "]]>", "the CDATA section never ends");
@@ -183,12 +207,8 @@ class Scanner {
       skipPast("<?", "?>", "the processing instruction never ends");
     } else if (starts("<!DOCTYPE")) {
       fail(at_, "a DOCTYPE is not allowed");
-    } else if (starts("<!")) {
-      fail(at_, "\"<!\" is not expected here");
-    } else if (starts("</")) {
-      endTag();
     } else {
-      startTag();
+      fail(at_, "\"<!\" is not expected here");
     }
   }
 
@@ -286,16 +306,26 @@ class Scanner {
       fail(at_, "the attribute's value must stand in quotes");
     }
     std::size_t const start = at_ + 1;
-    std::size_t const end = text_.find(quote, start);
-    if (end == kNowhere) {
+    std::size_t end = start;
+    bool isPlain = true;
+    for (; end < text_.size() && text_[end] != quote; ++end) {
+      isPlain = isPlain && text_[end] != '<' && text_[end] != '&';
+    }
+    if (end == text_.size()) {
       fail(at_, "the attribute's value never ends");
     }
+    if (!isPlain) {
+      checkMarksInValue(start, end);
+    }
+    at_ = end + 1;
+  }
+
+  void checkMarksInValue(std::size_t start, std::size_t end) const {
     std::size_t const tag = text_.substr(0, end).find('<', start);
     if (tag != kNowhere) {
       fail(tag, "\"<\" is not allowed in an attribute's value; it is written &lt;");
     }
     checkReferences(start, end);
-    at_ = end + 1;
   }
 
   void endTag() {
