@@ -114,7 +114,9 @@ TEST_F(LoaderService, AFileThatFailsEndsTheLoopAndIsNamed) {
     FAIL() << "a damaged file was taken";
   } catch (moxZYNUtils::FormatError const& error) {
     EXPECT_EQ(error.errorMessage(), "Cabeçalho de dados incorreto.");
-    EXPECT_EQ(error.errorDetails(), std::vector<std::string>{"file: " + path("b.zcf")});
+    std::vector<std::string> const details = {
+        "file: " + path("b.zcf"), "byte 0, the version of the format, is 0x6E where 0x01 belongs"};
+    EXPECT_EQ(error.errorDetails(), details);
   }
   EXPECT_TRUE(has("a"));
   EXPECT_FALSE(has("c"));
