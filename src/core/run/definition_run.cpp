@@ -77,6 +77,19 @@ moxDataSourceToProcess toProcess(Source const& source) {
   return {source->getName(), {false, std::move(execution)}};
 }
 
+/// Without a user nobody is asked: then the host answers for the units.
+void demandRight(std::shared_ptr<moxUserSession> const& user, std::vector<int> const& units) {
+  if (!user || !user->worksByUnits()) {
+    return;
+  }
+  auto const permitted = user->units();
+  for (int const unit : units) {
+    if (std::find(permitted.begin(), permitted.end(), unit) == permitted.end()) {
+      fail("the user has no right to the unit " + std::to_string(unit));
+    }
+  }
+}
+
 /// The definition's own come first, so that they win where names are equal in all.
 std::vector<FilterOffer> offersOf(std::vector<moxDataSourceToProcess> const& list) {
   std::vector<FilterOffer> offers;
@@ -114,6 +127,7 @@ void DefinitionRun::setUnits(std::vector<int> units) {
   if (filtersSet_) {
     throw std::logic_error("units are set before the filters that are kept to them");
   }
+  demandRight(sessions_.currentUserSession(), units);
   units_ = std::move(units);
 }
 

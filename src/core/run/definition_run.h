@@ -45,7 +45,8 @@ class DefinitionRun {
   /// Whether the rows belong to business units.
   bool keepsToUnits() const;
 
-  /// The units to run for; without any, the session's default unit. Before setFilters.
+  /// The units to run for; without any, the session's default unit. Before setFilters. Throws
+  /// moxError for one that a user who works by units has no right to.
   void setUnits(std::vector<int> units);
 
   /// What the user asks for, as he wrote it. Throws FilterArgumentError, also when a required one

@@ -78,6 +78,15 @@ TEST_F(DefinitionRunTest, AllFiltersOnTheUnitColumnTogetherNeverWidenTheResult) 
   EXPECT_EQ(names({"id_unidade=3", "id_unidade=6..9"}), "");
 }
 
+TEST_F(DefinitionRunTest, UnitsWithoutARightAreRefused) {
+  defineStudents();
+  logIn({3, 4});
+  EXPECT_EQ(test::errorMessageOf([&] {
+              names({}, {3, 6});
+            }),
+            "the user has no right to the unit 6");
+}
+
 TEST_F(DefinitionRunTest, HeadOfficeColumnIsHeldToTheHeadOffice) {
   defineStudents("id_unidadematriz",
                  "<moxIntegralUniqueFilter tableName=\"a\" columnName=\"id_unidadematriz\"/>");
