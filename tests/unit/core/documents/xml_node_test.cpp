@@ -97,6 +97,29 @@ TEST(XmlNodeChildByIndex, SeesChangesInTheMiddleOfAWalk) {
   EXPECT_EQ(root->childByIndex(0, "a"), nullptr);
 }
 
+TEST(XmlNodeChildByIndex, SeesWhatAnotherHandleAddedAndClearedAway) {
+  auto const document = documentOf("<r><p n='1'/></r>");
+  auto const one = document.root()->childByIndex(0);
+  auto const other = document.root()->childByIndex(0);
+  EXPECT_EQ(one->childByIndex(0), nullptr);
+  other->addChild("a")->writeAttribute("n", "1");
+  EXPECT_EQ(walked(*one), "1");
+  other->addChild("b");
+  EXPECT_NE(one->childByIndex(0, "b"), nullptr) << "also when nothing else changed";
+  EXPECT_NE(one->childByIndex(1, ""), nullptr);
+  other->clear();
+  EXPECT_EQ(one->childByIndex(0), nullptr);
+}
+
+TEST(XmlNodeChildByIndex, AskingAgainForThePlaceOfAWalkGivesTheSame) {
+  auto const root = rootOf("<r><a n='1'/><b n='2'/><a n='3'/><a n='4'/></r>");
+  for (int i = 0; i < 3; ++i) {
+    EXPECT_EQ(root->childByIndex(2, "a")->readAttribute("n"), "4");
+    EXPECT_EQ(root->childByIndex(1, "a")->readAttribute("n"), "3");
+    EXPECT_EQ(root->childByIndex(0, "a")->readAttribute("n"), "1");
+  }
+}
+
 TEST(XmlNodeChildByIndex, AWalkOverAHundredThousandChildrenIsOneWalk) {
   // Were each index counted from the start, this would be five billion steps.
   XmlDocument document;
@@ -146,6 +169,19 @@ TEST(XmlNodeAttributes, AreReadAsTheyAreAfterAnotherHandleChangedThem) {
   document.root()->writeAttribute("a", "4");
   EXPECT_EQ(node->readAttribute("a"), "4");
   EXPECT_EQ(node->readAttribute("b"), "3");
+}
+
+TEST(XmlNodeAttributes, ManyAreReadAsFew) {
+  constexpr int kMany = 40;
+  auto const node = rootOf("<r/>");
+  for (int i = 0; i < kMany; ++i) {
+    node->writeAttribute("k" + std::to_string(i), std::to_string(i));
+  }
+  for (int i = kMany - 1; i >= 0; --i) {
+    EXPECT_EQ(node->readAttribute("k" + std::to_string(i)), std::to_string(i));
+  }
+  EXPECT_EQ(node->readAttribute("k"), "");
+  EXPECT_EQ(node->readAttribute("k40"), "");
 }
 
 TEST(XmlNodeText, JoinsThePiecesThatStandDirectlyInTheElement) {
