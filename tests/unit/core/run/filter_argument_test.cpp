@@ -18,7 +18,7 @@ class FilterArgumentTest : public testing::Test {
   std::shared_ptr<moxFilterSpecification> offer(std::string const& className,
                                                 std::string const& table, std::string const& column,
                                                 std::string const& source = "Alunos") {
-    auto const specification = host_.get<moxFilterSpecification>(className);
+    auto specification = host_.get<moxFilterSpecification>(className);
     specification->setTableName(table);
     specification->setColumn(column);
     offers_.push_back({source, specification});

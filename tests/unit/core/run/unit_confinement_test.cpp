@@ -97,15 +97,16 @@ TEST_F(UnitConfinementTest, FiltersOfOtherKindsAreRefused) {
   std::string const message =
       "filter 'texto': 'id_unidade' is a business unit, and takes no filter but one of whole "
       "numbers";
-  for (auto const& [className, value] : std::vector<std::pair<std::string, FilterValue>>{
+  for (auto const& refused : std::vector<std::pair<std::string, FilterValue>>{
            {"moxDoubleUniqueFilter", FilterOne<double>{5}},
            {"moxDoubleRangeFilter", FilterRange<double>{1, 9}},
            {"moxTextUniqueFilter", FilterOne<std::string>{"%"}},
            {"moxTextInFilter", FilterList<std::string>{{"5"}}},
            {"moxDateUniqueFilter", FilterOne<date_t>{}},
            {"moxIntegralUniqueSQLFilter", FilterOne<int>{3}}}) {
-    EXPECT_EQ(test::errorMessageOf([&] { confined(className, "id_unidade", value); }), message)
-        << className;
+    EXPECT_EQ(test::errorMessageOf([&] { confined(refused.first, "id_unidade", refused.second); }),
+              message)
+        << refused.first;
   }
 }
 
