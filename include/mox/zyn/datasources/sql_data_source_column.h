@@ -12,8 +12,8 @@ class moxGenericFormatter;
 class moxXMLNode;
 
 /// One column of a query: the name it has in the result, where it comes from, how a user sees it,
-/// and the expression that gives it in a composed statement. Registered as
-/// "moxSQLDataSourceColumn". Constant once its definition is loaded.
+/// and the expression that gives it in a composed statement. Sources make their own with
+/// createColumn. Constant once its definition is loaded.
 class moxSQLDataSourceColumn : public virtual moxPluginBase {
  public:
   /// Kinds of values as the database tells them. The numbers are part of the interface, and a
