@@ -17,6 +17,7 @@ void readDateMask(std::string_view bytes);
 void splitStatements(std::string_view bytes);
 void rewriteStatement(std::string_view bytes);
 void readCollection(std::string_view bytes);
+void readDefinition(std::string_view bytes);
 void readFilter(std::string_view bytes);
 
 }  // namespace mox::fuzz

@@ -59,6 +59,10 @@ TEST(FuzzCorpus, CollectionFilesReplay) {
   EXPECT_GE(replay("collection", readCollection), 10);
 }
 
+TEST(FuzzCorpus, DefinitionsReplay) {
+  EXPECT_GE(replay("definition", readDefinition), 40);
+}
+
 TEST(FuzzCorpus, FilterArgumentsReplay) {
   EXPECT_GE(replay("filter_argument", readFilter), 10);
 }
