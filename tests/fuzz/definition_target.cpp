@@ -121,9 +121,7 @@ struct Run {
 void check(moxDataSource const& source, moxRunStatement const& statement, Run const& run) {
   auto const marks = std::count(statement.sql.begin(), statement.sql.end(), '?');
   auto const values = valuesIn(statement.parameters) + valuesIn(statement.conditions);
-  // Whoever fills in a token that the statement does not have gives a value without a mark.
-  require(run.hasMarks || run.withFilters || static_cast<std::size_t>(marks) == values,
-          "a value for every mark");
+  require(run.hasMarks || static_cast<std::size_t>(marks) == values, "a value for every mark");
   auto const& sql = dynamic_cast<moxSQLDataSource const&>(source);
   bool const restricted = !statement.conditions.empty() &&
                           statement.conditions.back().origin == moxRunOrigin::kUnitRule;

@@ -1,27 +1,21 @@
 #include "zyn/datasources/managed_filters.h"
 
 #include <algorithm>
-#include <string_view>
 
 #include "mox/zyn/datasources/sql_data_source_column.h"
 #include "mox/zyn/filters/filter_specification.h"
+#include "zyn/datasources/statement_tokens.h"
 
 namespace {
 
 using ManageFilterData = moxManageFilterDataSource::ManageFilterData;
 using RelatedFilter = ManageFilterData::RelatedFiltersData;
 
-constexpr std::string_view kTokenOpening = "{{";
-
 bool speaksOf(ManageFilterData const& manager, std::string const& column) {
   return std::any_of(manager.related.begin(), manager.related.end(),
                      [&](auto const& related) { return related.filterNameRelac == column; }) ||
          std::any_of(manager.avaliable.begin(), manager.avaliable.end(),
                      [&](auto const& avaliable) { return avaliable.filterName == column; });
-}
-
-bool isToken(RelatedFilter const& related) {
-  return related.columnName.find(kTokenOpening) != std::string::npos;
 }
 
 /// The table as the query calls it; where the manager is silent, that of the definition's filter on
@@ -74,7 +68,8 @@ void ManagedFilters::addConditions(moxSQLDataSource const& definition,
   }
   for (auto const& manager : managers_) {
     for (auto const& related : manager.related) {
-      auto const* const managed = isToken(related) ? nullptr : find(related.filterNameRelac);
+      auto const* const managed =
+          holdsToken(related.columnName) ? nullptr : find(related.filterNameRelac);
       if (managed == nullptr) {
         continue;
       }

@@ -7,6 +7,7 @@
 #include "mox/zyn/datasources/run_report.h"
 #include "mox/zyn/sql/data_matrix_sql_filter.h"
 #include "mox/zyn/sql/data_matrix_sql_loader.h"
+#include "zyn/datasources/statement_tokens.h"
 
 /// Why a filter is part of a statement.
 struct StatementFilterOrigin {
@@ -32,9 +33,15 @@ class StatementFilters {
     keep(parameters_, filter, token, origin, originName);
   }
 
-  /// A condition of its own. The loader keeps one that it has already once.
+  /// A condition of its own. The loader keeps one that it has already once. One that only has a
+  /// value, for a token that no statement holds, is left out: its value would go to the next mark,
+  /// which may be the unit rule's.
   void addCondition(Filter const& filter, moxRunOrigin origin, std::string const& originName = {},
                     std::string const& column = {}) {
+    if (holdsToken(filter->getColumnName()) && filter->getSql().empty()) {
+      leftOut_.push_back(filter);
+      return;
+    }
     loader_.addFilter(filter);
     keep(conditions_, filter, column, origin, originName);
   }
@@ -42,6 +49,8 @@ class StatementFilters {
   /// In the order of adding; empty when origins are not kept.
   Origins const& parameters() const { return parameters_; }
   Origins const& conditions() const { return conditions_; }
+
+  std::vector<Filter> const& leftOut() const { return leftOut_; }
 
  private:
   void keep(Origins& origins, Filter const& filter, std::string const& column, moxRunOrigin origin,
@@ -55,4 +64,5 @@ class StatementFilters {
   bool const keepsOrigins_;
   Origins parameters_;
   Origins conditions_;
+  std::vector<Filter> leftOut_;
 };

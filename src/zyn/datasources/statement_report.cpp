@@ -69,6 +69,9 @@ void recordStatement(RunRecorderHolder const& report, std::string const& source,
         ownOrigin(conditionPart(composed, filters.conditions()), composed.filter, report, source));
     recorder.filterUsed(composed.filter);
   }
+  for (auto const& filter : filters.leftOut()) {
+    recorder.filterIgnored(filter, "no token of the statement takes its value");
+  }
   recorder.statement(std::move(statement));
 }
 

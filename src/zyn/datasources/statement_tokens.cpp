@@ -31,3 +31,7 @@ std::string tokenColumn(std::string_view token) {
   column.reserve(kOpening.size() + token.size() + kClosing.size());
   return column.append(kOpening).append(token).append(kClosing);
 }
+
+bool holdsToken(std::string_view column) {
+  return column.find(kOpening) != std::string_view::npos;
+}

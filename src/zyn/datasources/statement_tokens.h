@@ -16,3 +16,6 @@ TokenizedStatement parseTokens(std::string_view text);
 
 /// The token as filters and specifications name it.
 std::string tokenColumn(std::string_view token);
+
+/// Whether a filter's column is, or holds, a token.
+bool holdsToken(std::string_view column);

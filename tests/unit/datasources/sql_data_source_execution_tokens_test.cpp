@@ -1,5 +1,6 @@
 // Where a run takes the values of its tokens from.
 
+#include "mox/zyn/datasources/run_report.h"
 #include "mox/zyn/filters/filter_specification.h"
 #include "unit/datasources/sql_execution_fixture.h"
 
@@ -57,6 +58,20 @@ TEST_F(SQLDataSourceExecutionTokens, OnlyTheFirstFilterOfATokenIsTakenOutForIt) 
   tokens({"p"});
   context_->setDataSourceFilters("fonte", {text("{{p}}", "a"), text("{{p}}", "b")});
   EXPECT_EQ(sent(), "select 1 where 1 in ?  where {{p}} = ? ");
+}
+
+TEST_F(SQLDataSourceExecutionTokens, ValueForATokenThatIsNotThereTakesNoOthersMark) {
+  tokens({"p"});
+  auto const reporter = std::dynamic_pointer_cast<moxRunReporter>(context_);
+  reporter->keepRunReport();
+  context_->setDataSourceFilters(
+      "fonte", {equals("", "{{q}}", 7), equals("", "{{p}}", 1), equals("t", "c", 3)});
+  EXPECT_EQ(sent(), "select 1 where 1 in ?  where t.c = ? ");
+  EXPECT_THAT(binds(), ElementsAre("0: int 1", "1: int 3"));
+  auto const ignored = reporter->runReport().ignoredFilters;
+  ASSERT_EQ(ignored.size(), 1U);
+  EXPECT_EQ(ignored.front().column, "{{q}}");
+  EXPECT_EQ(ignored.front().reason, "no token of the statement takes its value");
 }
 
 TEST_F(SQLDataSourceExecutionTokens, ProgramsOwnFilterServesAToken) {
