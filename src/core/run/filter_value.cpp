@@ -200,11 +200,20 @@ std::optional<T> readBound(Item const& item, ValueReader const& reader) {
   return value;
 }
 
+template <class T>
+bool isBefore(T const& left, T const& right) {
+  return left < right;
+}
+
+bool isBefore(date_t const& left, date_t const& right) {
+  return right.daysTo(left) < 0;
+}
+
 /// Texts are compared by the database, which knows its own order of letters.
 template <class T>
 void demandOrder(FilterRange<T> const& range, std::string_view text) {
   if constexpr (!std::is_same_v<T, std::string>) {
-    if (range.min && range.max && *range.max < *range.min) {
+    if (range.min && range.max && isBefore(*range.max, *range.min)) {
       refuse("the range " + quotedForMessage(text) + " ends before it begins");
     }
   }
