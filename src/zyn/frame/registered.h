@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <typeinfo>
 
@@ -13,6 +14,9 @@
 /// the callers do not tell apart from a class of another kind.
 template <class T>
 std::shared_ptr<T> registeredOrNone(std::string const& name) {
+  if (moxApp == nullptr) {
+    throw std::logic_error("the module was given no application");
+  }
   if (auto* const lookup = dynamic_cast<moxPluginLookup*>(moxApp)) {
     return std::dynamic_pointer_cast<T>(lookup->find(name, typeid(T)));
   }
