@@ -53,6 +53,7 @@ std::shared_ptr<moxBlob> documentOf(Host& host, std::string const& library,
     return files.front().bytes;
   }
   std::vector<std::string> texts;
+  texts.reserve(files.size());
   for (auto const& file : files) {
     texts.push_back(core::decodeXml({file.bytes->data(), file.bytes->size()}));
   }
@@ -69,6 +70,7 @@ void runPack(GlobalOptions const& globals, PackOptions const& options) {
   Notes notes;
   CollectionReader reader(host, notes);
   std::vector<OpenCollection> files;
+  files.reserve(paths.size());
   for (auto const& path : paths) {
     files.push_back(reader.read(path));
   }

@@ -130,29 +130,34 @@ class TieBreaker {
 
 constexpr unsigned int kFirstDigitBits = 11;
 
-/// How a kind of record holds a key: which leading bits of a record are the key's, how many bits
-/// the first digit has, and whether a record keeps it. A narrow one does not: its bucket tells it.
+/// How a kind of record holds a key: how many leading bits of a record are the key's, for how long
+/// a key there is room, and whether a record keeps the first digit. A narrow one does not: its
+/// bucket tells it.
 template <class Record>
-struct RecordShape;
+class RecordShape;
 
 template <>
-struct RecordShape<WideSortRecord> {
+class RecordShape<WideSortRecord> {
+ public:
   explicit RecordShape(std::uint32_t /*rows*/) {}
 
-  static constexpr unsigned int keyBits = WideSortRecord::kKeyBits;
-  static constexpr unsigned int room = WideSortRecord::kKeyBits;
-  static constexpr bool keepsFirstDigit = true;
+  static unsigned int keyBits() { return WideSortRecord::kKeyBits; }
+  static unsigned int room() { return WideSortRecord::kKeyBits; }
+  static bool keepsFirstDigit() { return true; }
 };
 
 template <>
-struct RecordShape<NarrowSortRecord> {
+class RecordShape<NarrowSortRecord> {
+ public:
   explicit RecordShape(std::uint32_t rows)
-      : keyBits(64 - static_cast<unsigned int>(std::bit_width(rows | 1U))),
-        room(std::min(64U, keyBits + kFirstDigitBits)) {}
+      : keyBits_(64 - static_cast<unsigned int>(std::bit_width(rows | 1U))) {}
 
-  unsigned int keyBits;
-  unsigned int room;
-  static constexpr bool keepsFirstDigit = false;
+  unsigned int keyBits() const { return keyBits_; }
+  unsigned int room() const { return std::min(64U, keyBits_ + kFirstDigitBits); }
+  static bool keepsFirstDigit() { return false; }
+
+ private:
+  unsigned int keyBits_;
 };
 
 /// Makes the records of all rows and sorts them. They are placed by their leading digit right as
@@ -163,7 +168,7 @@ class RecordSorter {
  public:
   RecordSorter(std::vector<std::unique_ptr<SortColumn>> const& columns, std::uint32_t rows)
       : shape_(rows),
-        layout_(columns, shape_.room),
+        layout_(columns, shape_.room()),
         ties_(columns, layout_.wholeColumns()),
         rows_(rows),
         digitBits_(std::min(kFirstDigitBits, layout_.keyBits())) {}
@@ -184,13 +189,13 @@ class RecordSorter {
     for (std::size_t bucket = 0; bucket < ends.size(); ++bucket) {
       Record* const first = records.get() + starts_[bucket];
       Record* const last = records.get() + ends[bucket];
-      sortRecords(first, ends[bucket] - starts_[bucket], shape_.keyBits, scratch);
+      sortRecords(first, ends[bucket] - starts_[bucket], shape_.keyBits(), scratch);
       tied += isExact() ? 0 : settle(first, last);
       if (tied * rowsForATie > std::max(ends[bucket], kRowsBeforeGivingUp)) {
         return false;
       }
       for (Record const* record = first; record != last; ++record) {
-        order.push_back(record->row(shape_.keyBits));
+        order.push_back(record->row(shape_.keyBits()));
       }
     }
     return true;
@@ -222,7 +227,7 @@ class RecordSorter {
     using Key = typename Record::Key;
     std::array<Key, kBlockRows> keys;
     unsigned int const restBits = layout_.keyBits() - digitBits_;
-    unsigned int const width = shape_.keepsFirstDigit ? layout_.keyBits() : restBits;
+    unsigned int const width = shape_.keepsFirstDigit() ? layout_.keyBits() : restBits;
     forEachBlock([&](std::uint32_t row, std::uint32_t count) {
       layout_.pack(row, count, keys.data());
       for (std::uint32_t i = 0; i < count; ++i) {
@@ -237,12 +242,12 @@ class RecordSorter {
     std::size_t tied = 0;
     while (run != last) {
       Record* const end = std::find_if(run + 1, last, [&](Record const& record) {
-        return !record.hasKeyOf(*run, shape_.keyBits);
+        return !record.hasKeyOf(*run, shape_.keyBits());
       });
       if (end - run > 1) {
         tied += static_cast<std::size_t>(end - run);
         std::sort(run, end, [this](Record const& left, Record const& right) {
-          return ties_.isBefore(left.row(shape_.keyBits), right.row(shape_.keyBits));
+          return ties_.isBefore(left.row(shape_.keyBits()), right.row(shape_.keyBits()));
         });
       }
       run = end;
