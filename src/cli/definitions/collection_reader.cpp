@@ -104,7 +104,7 @@ void CollectionReader::checkRoles(std::string const& path, moxXMLNode const& ele
     if (role == kUnitRole) {
       fail(place, fault);
     }
-    notes_.add(place + ": " + fault);
+    notes_.add(fmt::format("{}: {}", place, fault));
   }
 }
 
