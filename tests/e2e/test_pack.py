@@ -9,6 +9,7 @@ import pytest
 from collection_files import FORMATS, PACKS, SIGNATURE, SOURCES, collection_file, document_of, use_collections
 from conftest import ROOT, ZYN
 
+ENDINGS = [signal.SIGINT, signal.SIGTERM, signal.SIGHUP]
 EXAMPLES = sorted((ROOT / "examples/escola/definitions").glob("*.xml"))
 
 
@@ -352,12 +353,18 @@ def test_a_file_may_be_packed_over_itself(zyn, folder):
     assert document_of(folder / "a") == FORMATS
 
 
-@pytest.mark.parametrize("ending", [signal.SIGINT, signal.SIGTERM, signal.SIGHUP])
+def heed_signals():
+    """What a terminal's programs are given; one that runs behind others inherits signals that are ignored."""
+    for ending in ENDINGS:
+        signal.signal(ending, signal.SIG_DFL)
+
+
+@pytest.mark.parametrize("ending", ENDINGS)
 def test_an_interrupted_run_leaves_nothing_behind(zyn, folder, ending):
     put(folder, "a.zcf", "old")
     definitions = "".join(f'<moxZYNPack name="{i:0200}"/>' for i in range(150000))
     put(folder, "a.xml", f"<moxZYNCollection>{definitions}</moxZYNCollection>")
-    running = subprocess.Popen([ZYN, "pack", "a.xml", "--out", "a.zcf"], cwd=folder)
+    running = subprocess.Popen([ZYN, "pack", "a.xml", "--out", "a.zcf"], cwd=folder, preexec_fn=heed_signals)
     while not any(name.startswith(".zyn-") for name in left(folder)):
         assert running.poll() is None, "the run ended before it could be interrupted"
     running.send_signal(ending)
