@@ -40,8 +40,12 @@ class TextRef {
   std::uint64_t word(unsigned int wordIndex) const {
     std::uint64_t bytes = 0;
     std::size_t const start = std::size_t{wordIndex} * sizeof bytes;
-    if (isInline() && wordIndex == 0) {
-      std::memcpy(&bytes, content(), sizeof bytes);
+    if (isInline()) {  // by fixed sizes: unused bytes are zero
+      if (wordIndex == 0) {
+        std::memcpy(&bytes, content(), sizeof bytes);
+      } else if (wordIndex == 1) {
+        std::memcpy(&bytes, content() + sizeof bytes, kInlineBytes - sizeof bytes);
+      }
     } else if (length_ >= start + sizeof bytes) {
       std::memcpy(&bytes, data() + start, sizeof bytes);
     } else if (length_ > start) {

@@ -35,7 +35,7 @@ class TextSortColumn final : public SortColumn {
   };
 
   bool isNull(std::uint32_t row) const { return hasNulls_ && nulls_.test(row); }
-  void addWord(unsigned int word, std::uint32_t rows);
+  void addWord(unsigned int word, std::uint64_t varyingBits);
   void encodeWord(Piece const& piece, std::uint32_t firstRow, std::uint32_t count,
                   std::uint64_t* codes) const;
 
