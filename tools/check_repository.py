@@ -33,8 +33,8 @@ ALLOWED_INCLUDES = {
 MODULE_IMPLEMENTATIONS = {
     "frame": None,
     "matrix": {"matrix", "sql"},
-    "sql": {"sql", "matrix"},
-    "items": {"items"},
+    "sql": {"sql", "matrix", "frame"},
+    "items": {"items", "frame"},
     "format": {"format", "frame"},
     "filters": {"filters", "frame", "items"},
     "datasources": {"datasources", "frame", "items"},

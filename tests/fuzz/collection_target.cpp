@@ -2,13 +2,13 @@
 #include <optional>
 #include <string>
 
-#include "fuzz/module_host.h"
 #include "fuzz/promise.h"
 #include "fuzz/targets.h"
 #include "mox/core/xml.h"
 #include "mox/zyn/items/zyn_collection.h"
 #include "mox/zyn/items/zyn_file_format.h"
 #include "mox/zyn/items/zyn_utils.h"
+#include "support/test_host.h"
 
 namespace mox::fuzz {
 
@@ -40,7 +40,7 @@ void packAndUnpack(moxZYNFileFormat const& format, std::string const& document) 
 }
 
 /// The text of the collection that a document holds; nothing when it is refused.
-std::optional<std::string> loadedAndSaved(ModuleHost& host, std::string const& document) {
+std::optional<std::string> loadedAndSaved(TestHost& host, std::string const& document) {
   auto const collection = host.get<moxZYNCollection>("moxZYNCollection");
   auto const xml = host.get<moxXMLDocument>("moxXMLDocument");
   std::string text;
@@ -55,7 +55,7 @@ std::optional<std::string> loadedAndSaved(ModuleHost& host, std::string const& d
 }  // namespace
 
 void readCollection(std::string_view bytes) {
-  ModuleHost host;
+  TestHost host;
   auto const format =
       std::dynamic_pointer_cast<moxZYNFileFormat>(host.get<moxZYNUtils>("moxZYNUtils"));
   auto const document = documentIn(*format, bytes);

@@ -3,11 +3,11 @@
 #include <vector>
 
 #include "core/run/filter_argument.h"
-#include "fuzz/module_host.h"
 #include "fuzz/promise.h"
 #include "fuzz/targets.h"
 #include "mox/zyn/filters/filter_specification.h"
 #include "mox/zyn/sql/data_matrix_sql_filter.h"
+#include "support/test_host.h"
 #include "zyn/sql/value_recorder.h"
 
 namespace mox::fuzz {
@@ -42,7 +42,7 @@ constexpr Offered kOffered[] = {{"moxIntegralUniqueFilter", "t", "iu"},
                                 {"moxIntegralUniqueFilter", "t", "dup"},
                                 {"moxIntegralUniqueFilter", "u", "dup"}};
 
-std::vector<core::FilterOffer> offers(ModuleHost& host) {
+std::vector<core::FilterOffer> offers(TestHost& host) {
   std::vector<core::FilterOffer> made;
   for (auto const& offered : kOffered) {
     auto const specification = host.get<moxFilterSpecification>(offered.className);
@@ -76,7 +76,7 @@ void checkText(std::string sql, std::string const& column, bool isToken) {
 }  // namespace
 
 void readFilter(std::string_view bytes) {
-  ModuleHost host;
+  TestHost host;
   auto const offered = offers(host);
   std::string const text(bytes);
   core::FilterArgument argument;

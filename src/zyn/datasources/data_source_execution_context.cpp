@@ -7,12 +7,13 @@
 #include "mox/core/application.h"
 #include "mox/core/error.h"
 #include "mox/core/progress_notifier.h"
-#include "mox/core/session.h"
 #include "mox/zyn/datasources/data_source_execution.h"
 #include "mox/zyn/frame/plugin_entry.h"
 #include "mox/zyn/matrix/data_matrix.h"
 #include "mox/zyn/sql/data_matrix_sql_filter.h"
 #include "zyn/datasources/compose_plan.h"
+#include "zyn/datasources/managed_filters.h"
+#include "zyn/frame/current_user.h"
 
 namespace {
 
@@ -41,7 +42,7 @@ void requireExecutions(Context::List const& list) {
 
 RunUnits unitsOfRun(std::vector<int> units, int headOffice) {
   RunUnits run{.units = std::move(units), .headOffice = headOffice};
-  auto const user = moxSession != nullptr ? moxSession->currentUserSession() : nullptr;
+  auto const user = currentUser();
   if (!user) {
     return run;
   }
@@ -60,13 +61,6 @@ bool goesOn(Context::Notifier const& notifier, int done) {
   return !notifier || notifier->step(done);
 }
 
-bool letsThrough(ManageFilterData const& manager, std::string const& column) {
-  auto const isRelated = [&](auto const& related) { return related.filterNameRelac == column; };
-  auto const isAvailable = [&](auto const& available) { return available.filterName == column; };
-  return std::any_of(manager.related.begin(), manager.related.end(), isRelated) ||
-         std::any_of(manager.avaliable.begin(), manager.avaliable.end(), isAvailable);
-}
-
 /// What `filters`, by source, hold for a group and its member: under the names, then under the
 /// managers as far as those let it through.
 template <class FilterMap>
@@ -79,7 +73,7 @@ auto filtersFor(FilterMap const& filters, std::vector<std::string> const& names,
   }
   for (auto const& manager : managers) {
     for (auto const& filter : entryOf(filters, manager.name)) {
-      if (letsThrough(manager, filter->getColumnName())) {
+      if (speaksOf(manager, filter->getColumnName())) {
         collected.push_back(filter);
       }
     }

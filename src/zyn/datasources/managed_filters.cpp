@@ -11,13 +11,6 @@ namespace {
 using ManageFilterData = moxManageFilterDataSource::ManageFilterData;
 using RelatedFilter = ManageFilterData::RelatedFiltersData;
 
-bool speaksOf(ManageFilterData const& manager, std::string const& column) {
-  return std::any_of(manager.related.begin(), manager.related.end(),
-                     [&](auto const& related) { return related.filterNameRelac == column; }) ||
-         std::any_of(manager.avaliable.begin(), manager.avaliable.end(),
-                     [&](auto const& avaliable) { return avaliable.filterName == column; });
-}
-
 /// The table as the query calls it; where the manager is silent, that of the definition's filter on
 /// the same column.
 std::string tableOf(RelatedFilter const& related, std::string const& column,
@@ -35,6 +28,13 @@ std::string tableOf(RelatedFilter const& related, std::string const& column,
 }
 
 }  // namespace
+
+bool speaksOf(ManageFilterData const& manager, std::string const& column) {
+  return std::any_of(manager.related.begin(), manager.related.end(),
+                     [&](auto const& related) { return related.filterNameRelac == column; }) ||
+         std::any_of(manager.avaliable.begin(), manager.avaliable.end(),
+                     [&](auto const& avaliable) { return avaliable.filterName == column; });
+}
 
 ManagedFilters::ManagedFilters(std::vector<ManageFilterData> const& managers,
                                moxDataSourceExecutionContext const& context)

@@ -9,6 +9,10 @@
 #include "mox/zyn/datasources/sql_data_source.h"
 #include "zyn/datasources/statement_filters.h"
 
+/// Whether a manager passes on a filter that was given for it on this column.
+bool speaksOf(moxManageFilterDataSource::ManageFilterData const& manager,
+              std::string const& column);
+
 /// The filters that managers pass on to one run, and the names that these filters bear during its
 /// query: a filter is given under a name of the manager's, and the statement knows its column under
 /// another. Lives no longer than the managers it was made of.

@@ -4,22 +4,18 @@
 
 #include "mox/core/application.h"
 #include "mox/core/error.h"
-#include "mox/core/session.h"
 #include "mox/zyn/filters/filter_specification.h"
 #include "mox/zyn/frame/plugin_entry.h"
 #include "mox/zyn/sql/data_matrix_sql_in_filters.h"
 #include "mox/zyn/sql/data_matrix_sql_unique_filters.h"
 #include "zyn/datasources/statement_tokens.h"
+#include "zyn/frame/current_user.h"
 
 namespace {
 
 constexpr char const* kDefaultUnit = "p_idUnidadeNegocioPadrao";
 constexpr char const* kHeadOffice = "p_idUnidadeNegocioMatriz";
 constexpr char const* kUser = "p_idUsuario";
-
-std::shared_ptr<moxUserSession> currentUser() {
-  return moxSession != nullptr ? moxSession->currentUserSession() : nullptr;
-}
 
 /// The run's unit when it is for one; a run for several, or none, takes the session's.
 int defaultUnit(moxDataSourceExecutionContext const& context) {

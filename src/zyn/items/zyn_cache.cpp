@@ -1,9 +1,9 @@
 #include "zyn/items/zyn_cache.h"
 
 #include "mox/core/application.h"
-#include "mox/core/session.h"
 #include "mox/zyn/frame/plugin_entry.h"
 #include "mox/zyn/items/zyn_collection.h"
+#include "zyn/frame/current_user.h"
 #include "zyn/items/zyn_session_cache.h"
 
 void zynCache::appendCollection(std::shared_ptr<moxZYNCollection> collection) {
@@ -51,7 +51,7 @@ ItemMap& zynCache::ownItems() {
 /// The current user's cache, seeded; empty when nobody is logged in, and for a user who may not use
 /// this library and so has none.
 std::shared_ptr<moxZYNSessionCache> zynCache::sessionCache() const {
-  if (moxSession == nullptr || !moxSession->currentUserSession()) {
+  if (!currentUser()) {
     return {};
   }
   auto cache = moxApp->get<moxZYNSessionCache>("moxZYNSessionCache");

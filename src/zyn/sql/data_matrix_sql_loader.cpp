@@ -6,10 +6,10 @@
 
 #include "mox/core/application.h"
 #include "mox/core/error.h"
-#include "mox/core/session.h"
 #include "mox/zyn/frame/plugin_entry.h"
 #include "mox/zyn/matrix/data_matrix.h"
 #include "mox/zyn/sql/data_matrix_sql_in_filters.h"
+#include "zyn/frame/current_user.h"
 #include "zyn/sql/block_fetch.h"
 #include "zyn/sql/filtro_unidade_null.h"
 #include "zyn/sql/value_recorder.h"
@@ -26,10 +26,6 @@ constexpr char const* kHeadOfficeColumn = "id_unidadematriz";
 // A database may guess its row count; beyond this the growth of the columns is cheaper than
 // believing it.
 constexpr std::int64_t kLargestReserve = 1'000'000;
-
-std::shared_ptr<moxUserSession> currentUser() {
-  return moxSession != nullptr ? moxSession->currentUserSession() : nullptr;
-}
 
 [[noreturn]] void fail(char const* message) {
   throw moxDefaultErrorImpl<moxError>(message);
