@@ -20,6 +20,10 @@ class moxTypedCollection {
   /// The objects in order.
   virtual std::vector<std::shared_ptr<T>> get() = 0;
   virtual std::vector<std::shared_ptr<T const>> get() const = 0;
+
+  /// The same under the name that definitions of expressions use.
+  std::vector<std::shared_ptr<T>> getItems() { return get(); }
+  std::vector<std::shared_ptr<T const>> getItems() const { return get(); }
 };
 
 /// A list whose order matters.
