@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <set>
 #include <stdexcept>
+#include <string_view>
 
 #include "mox/core/application.h"
 #include "mox/core/error.h"
@@ -61,6 +63,9 @@ bool goesOn(Context::Notifier const& notifier, int done) {
   return !notifier || notifier->step(done);
 }
 
+/// Between a group and its member, where a filter's aim names both.
+constexpr std::string_view kMemberMark = "->";
+
 /// What `filters`, by source, hold for a group and its member: under the names, then under the
 /// managers as far as those let it through.
 template <class FilterMap>
@@ -92,6 +97,29 @@ std::vector<std::string> namesOfGroup(std::string const& groupName, std::string 
     names.push_back(filterSource);
   }
   return names;
+}
+
+/// The name, in the group's own context, of the member that `aim` names: what stands behind the
+/// group's name and the mark. Empty for an aim at something else.
+std::string memberAimedAt(std::string const& aim, std::string const& group) {
+  bool const inside = !group.empty() && aim.starts_with(group) &&
+                      std::string_view(aim).substr(group.size()).starts_with(kMemberMark);
+  return inside ? aim.substr(group.size() + kMemberMark.size()) : std::string();
+}
+
+/// Adds what `filters` hold for single members of a group, by their names in its own context.
+template <class FilterMap>
+void addFiltersOfMembers(FilterMap const& filters, std::set<std::string> const& groupNames,
+                         FilterMap& inside) {
+  for (auto const& group : groupNames) {
+    for (auto const& [aim, entry] : filters) {
+      auto const member = memberAimedAt(aim, group);
+      if (!member.empty()) {
+        auto& aimed = inside[member];
+        aimed.insert(aimed.end(), entry.begin(), entry.end());
+      }
+    }
+  }
 }
 
 /// Ends the record of a source on every way out of it, in the report where it began.
@@ -290,12 +318,22 @@ void DataSourceExecutionContext::appendContext(
   }
   appendedContexts_.push_back(child);
   auto const names = namesOfGroup(groupName, targetName, filterSource);
-  for (auto const& filter : filtersFor(dataSourceFixedFilters_, names, manageData)) {
-    child->addDataSourceFixedFilter(filterSource, filter);
+  std::set<std::string> const groupNames{groupName, targetName};
+  decltype(dataSourceFixedFilters_) fixed{
+      {filterSource, filtersFor(dataSourceFixedFilters_, names, manageData)}};
+  addFiltersOfMembers(dataSourceFixedFilters_, groupNames, fixed);
+  for (auto const& [member, filters] : fixed) {
+    for (auto const& filter : filters) {
+      child->addDataSourceFixedFilter(member, filter);
+    }
   }
-  auto const users = filtersFor(dataSourceFilters_, names, manageData);
-  if (!users.empty()) {  // an empty entry would shut out one that is set later
-    child->setDataSourceFilters(filterSource, users);
+  decltype(dataSourceFilters_) users{
+      {filterSource, filtersFor(dataSourceFilters_, names, manageData)}};
+  addFiltersOfMembers(dataSourceFilters_, groupNames, users);
+  for (auto const& [member, filters] : users) {
+    if (!filters.empty()) {  // an empty entry would shut out one that is set later
+      child->setDataSourceFilters(member, filters);
+    }
   }
   shareRecorder(*child, names, manageData);
 }

@@ -60,9 +60,10 @@ class DataSourceExecutionContext final
 
   /// Hands what was aimed at a group, under any of its names, to the member `filterSource` of the
   /// group's own context: the filters of `groupName`, `targetName` (empty for none) and
-  /// `filterSource`, each name once, and those given for a manager that it lets through. The fixed
-  /// ones arrive as fixed ones. The child lives as long as this context, and what it runs is part
-  /// of this run's report. Throws std::invalid_argument for an empty child and for this context.
+  /// `filterSource`, each name once, and those given for a manager that it lets through. What is
+  /// aimed at "group->member" goes to that member, whichever it is. The fixed ones arrive as fixed
+  /// ones. The child lives as long as this context, and what it runs is part of this run's report.
+  /// Throws std::invalid_argument for an empty child and for this context.
   void appendContext(std::shared_ptr<moxDataSourceExecutionContext> const& child,
                      std::string const& filterSource, std::string const& groupName,
                      std::string const& targetName,

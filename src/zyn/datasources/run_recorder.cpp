@@ -108,8 +108,12 @@ std::string RunRecorder::whySourceIgnores(std::string const& source) const {
     if (listedNames_.contains(source)) {
       return "the run ended before source " + quoted(source);
     }
-    return asked ? "filter manager " + quoted(source) + " passes it to no statement"
-                 : "the run has no source " + quoted(source);
+    if (asked) {
+      return "filter manager " + quoted(source) + " passes it to no statement";
+    }
+    auto const member = source.rfind("->");  // a group's, which ran under its own name
+    return member == source.npos ? "the run has no source " + quoted(source)
+                                 : whySourceIgnores(source.substr(member + 2));
   }
   if (asked || !ran->statements.empty()) {
     return "no statement of source " + quoted(source) + " takes it";

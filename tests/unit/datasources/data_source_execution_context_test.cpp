@@ -377,6 +377,21 @@ TEST_F(AppendContextTest, FilterThatIsRelatedAndAvailablePassesOnce) {
   EXPECT_EQ(columnsOf(*child_, "membro"), Texts{"a"});
 }
 
+TEST_F(AppendContextTest, FiltersAimedAtAMemberGoToItUnderEitherNameOfTheGroup) {
+  give("grupo->outro", {"a"});
+  give("alvo->outro", {"b"});
+  give("grupo->interno->fundo", {"c"});
+  give("grupo->membro", {"d"});
+  give("grupo", {"e"});
+  give("grupos->outro", {"f"});
+  context_->addDataSourceFixedFilter("grupo->outro", filterOn("x"));
+  append("alvo");
+  EXPECT_TRUE(child_->setDataSourceFilters("free", {filterOn("y")}));
+  EXPECT_EQ(columnsOf(*child_, "outro"), (Texts{"b", "a", "x"}));
+  EXPECT_EQ(columnsOf(*child_, "interno->fundo"), Texts{"c"});
+  EXPECT_EQ(columnsOf(*child_, "membro"), (Texts{"e", "d"}));
+}
+
 TEST_F(AppendContextTest, NoFiltersLeaveTheMembersPlaceFree) {
   append();
   EXPECT_TRUE(child_->setDataSourceFilters("membro", {filterOn("later")}));
