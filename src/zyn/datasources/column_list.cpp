@@ -19,6 +19,21 @@ ColumnList::OwnColumn ColumnList::append() {
   return columns_.emplace_back(std::make_shared<SQLDataSourceColumn>());
 }
 
+void ColumnList::load(moxXMLNode const& node, char const* element) {
+  for (int i = 0; auto const child = node.childByIndex(i, element); ++i) {
+    append()->load(child);
+  }
+  for (auto const& column : columns_) {
+    column->updateRelations(this);
+  }
+}
+
+void ColumnList::save(moxXMLNode& node, char const* element) const {
+  for (auto const& column : columns_) {
+    column->save(node.addChild(element));
+  }
+}
+
 ColumnList::OwnColumn ColumnList::create(FieldInfo const* info) {
   auto column = append();
   column->startFrom(info);

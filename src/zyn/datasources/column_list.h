@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "mox/core/database_connection.h"
+#include "mox/core/xml.h"
 #include "mox/zyn/datasources/data_source.h"
 #include "zyn/datasources/sql_data_source_column.h"
 
@@ -29,7 +30,14 @@ class ColumnList {
   /// An empty column behind the last one.
   OwnColumn append();
 
-  /// The same, begun from a field of a query; from none for null.
+  /// Reads a column from each of the node's children of that name, behind those that are there, and
+  /// binds what they refer to: references may point forward.
+  void load(moxXMLNode const& node, char const* element);
+
+  /// Writes a child of that name for each column.
+  void save(moxXMLNode& node, char const* element) const;
+
+  /// The same as append, begun from a field of a query; from none for null.
   OwnColumn create(FieldInfo const* info);
 
   /// By the object; one that is not in the list changes nothing.

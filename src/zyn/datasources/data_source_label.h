@@ -30,3 +30,13 @@ class SQLDataSource;
 
 template <>
 struct PluginPermissionsOf<SQLDataSource> : LabelledAs<"Consulta SQL"> {};
+
+class FilterDataSource;
+
+template <>
+struct PluginPermissionsOf<FilterDataSource> : LabelledAs<"Filtro"> {};
+
+class ManageFilterDataSource;
+
+template <>
+struct PluginPermissionsOf<ManageFilterDataSource> : LabelledAs<"Gerenciador de Filtro"> {};

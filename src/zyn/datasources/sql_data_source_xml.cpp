@@ -9,6 +9,7 @@
 #include "mox/zyn/search/search.h"
 #include "zyn/datasources/column_reference.h"
 #include "zyn/datasources/column_tags.h"
+#include "zyn/datasources/filter_elements.h"
 #include "zyn/datasources/sql_data_source.h"
 #include "zyn/items/definition_error.h"
 #include "zyn/items/xml_attributes.h"
@@ -18,6 +19,7 @@ namespace {
 using Column = moxSQLDataSource::Column;
 using Element = std::shared_ptr<moxXMLNode>;
 
+constexpr char const* kColumn = "Column";  // an element with all that is known of a column
 constexpr char const* kUnit = "unidadeColumn";
 constexpr char const* kAllowNull = "allownull";
 
@@ -143,16 +145,6 @@ void writeCommand(SQLDataSource const& source, moxXMLNode& node) {
   }
 }
 
-/// References are bound when every column is there: they may point forward.
-void readFullColumns(SQLDataSource& source, moxXMLNode const& list) {
-  for (int i = 0; auto const element = list.childByIndex(i, "Column"); ++i) {
-    source.columnList().append()->load(element);
-  }
-  for (auto const& column : source.columnList().columns()) {
-    column->updateRelations(&source.columnList());
-  }
-}
-
 moxSQLDataSourceColumn::FieldTypes databaseTypeOf(moxDataMatrixTypes::Types type) {
   switch (type) {
     case moxDataMatrixTypes::Double:
@@ -192,18 +184,15 @@ void readColumns(SQLDataSource& source, moxXMLNode const& node) {
   if (!list) {
     return;
   }
-  if (list->childByIndex(0, "Column")) {
-    readFullColumns(source, *list);
+  if (list->childByIndex(0, kColumn)) {
+    source.columnList().load(*list, kColumn);
   } else if (readShortColumns(source, *list) && isSubqueryAllowed(node)) {
     source.setSQL("select * from ( " + source.plainSql() + " ) command ");
   }
 }
 
 void writeColumns(SQLDataSource const& source, moxXMLNode& node) {
-  auto const list = node.addChild("Columns");
-  for (auto const& column : source.columnList().columns()) {
-    column->save(list->addChild("Column"));
-  }
+  source.columnList().save(*node.addChild("Columns"), kColumn);
 }
 
 void readOrder(SQLDataSource& source, moxXMLNode const& node) {
@@ -311,29 +300,15 @@ void writeRoles(SQLDataSource const& source, moxXMLNode& node) {
   }
 }
 
-/// An element that is no filter is refused: left out, it would let a user see more than the
-/// definition's author meant.
-std::shared_ptr<moxFilterSpecification> readFilter(Element const& element) {
-  auto filter = moxApp->get<moxFilterSpecification>(element->elementName());
-  if (!filter) {
-    throw definitionError("Filtro inválido: " + element->elementName(), *element,
-                          "the class of this name is no filter specification");
-  }
-  filter->load(element);
-  return filter;
-}
-
 void readFilterOnColumn(SQLDataSource& source, Element const& element) {
-  auto const filter = readFilter(element);
+  auto const filter = filter_elements::read(element);
   filter->setSQLDataSourceColumn(requireColumn(source, filter->getTableName(), filter->getColumn(),
                                                *element, "Coluna de Filtro inválida"));
   source.addFilter(filter);
 }
 
 void readCustomFilters(SQLDataSource& source, moxXMLNode const& list) {
-  for (int i = 0; auto const element = list.childByIndex(i); ++i) {
-    source.addFilter(readFilter(element));
-  }
+  filter_elements::readAll(list, [&](auto const& filter) { source.addFilter(filter); });
 }
 
 void readFilters(SQLDataSource& source, moxXMLNode const& node) {
@@ -383,7 +358,7 @@ void readOldForm(SQLDataSource& source, moxXMLNode const& node) {
   source.setModoCompatibilidade();
   source.setSQL(sql->readText());
   if (auto const columns = node.childByIndex(0, "Columns")) {
-    readFullColumns(source, *columns);
+    source.columnList().load(*columns, kColumn);
   }
   if (auto const filters = node.childByIndex(0, "Filters")) {
     readCustomFilters(source, *filters);

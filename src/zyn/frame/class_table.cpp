@@ -5,6 +5,9 @@
 #include "mox/core/registry.h"
 #include "zyn/datasources/data_source_execution_context.h"
 #include "zyn/datasources/data_source_label.h"
+#include "zyn/datasources/filter_data_source.h"
+#include "zyn/datasources/filter_data_source_spec.h"
+#include "zyn/datasources/manage_filter_data_source.h"
 #include "zyn/datasources/sql_data_source.h"
 #include "zyn/filters/filter_specifications.h"
 #include "zyn/format/date_formatter.h"
@@ -116,6 +119,9 @@ void registerSearchAndProperties(moxPluginRegistry& registry) {
 void registerDataSources(moxPluginRegistry& registry) {
   internal<SQLDataSource>(registry, "moxSQLDataSource");
   internal<DataSourceExecutionContext>(registry, "moxDataSourceExecutionContext");
+  internal<FilterDataSource>(registry, "moxFilterDataSource");
+  internal<FilterDataSourceSpec>(registry, "moxFilterDataSourceSpec");
+  internal<ManageFilterDataSource>(registry, "moxManageFilterDataSource");
 }
 
 }  // namespace

@@ -21,12 +21,15 @@ inline void writeBool(moxXMLNode& node, std::string_view name, bool value) {
 }
 
 /// A whole text of decimal digits, perhaps behind a "-", that fits into 32 bits.
-inline int readInt(moxXMLNode const& node, std::string_view name, int defaultValue = 0) {
-  auto const text = node.readAttribute(name);
+inline int intOf(std::string_view text, int defaultValue = 0) {
   int value = 0;
   auto const [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
   bool const whole = error == std::errc() && end == text.data() + text.size();
   return whole ? value : defaultValue;
+}
+
+inline int readInt(moxXMLNode const& node, std::string_view name, int defaultValue = 0) {
+  return intOf(node.readAttribute(name), defaultValue);
 }
 
 inline void writeInt(moxXMLNode& node, std::string_view name, int value) {

@@ -146,7 +146,10 @@ TEST(PluginEntry, ClassesAreRegisteredInTheirOrder) {
                                                          "moxPropertiesCollection",
                                                          "FormatterProperty",
                                                          "moxSQLDataSource",
-                                                         "moxDataSourceExecutionContext"}));
+                                                         "moxDataSourceExecutionContext",
+                                                         "moxFilterDataSource",
+                                                         "moxFilterDataSourceSpec",
+                                                         "moxManageFilterDataSource"}));
 }
 
 TEST(PluginEntry, TheServiceThatLoadsCollectionsIsRegistered) {

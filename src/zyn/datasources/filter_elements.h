@@ -1,0 +1,25 @@
+#pragma once
+
+#include <memory>
+
+#include "mox/core/xml.h"
+#include "mox/zyn/filters/filter_specification.h"
+
+/// The filters that a source offers, in its element: a child for each, named like the registered
+/// class.
+namespace filter_elements {
+
+/// Throws moxError "Filtro inválido: " with the class for one that is no filter specification,
+/// and moxPluginNotFound for one that nobody has registered. Left out, either would let a user see
+/// more than the definition's author meant.
+std::shared_ptr<moxFilterSpecification> read(std::shared_ptr<moxXMLNode> const& element);
+
+/// Hands the filter of every child to `append`, whatever the children's names.
+template <class Append>
+void readAll(moxXMLNode const& list, Append const& append) {
+  for (int i = 0; auto const element = list.childByIndex(i); ++i) {
+    append(read(element));
+  }
+}
+
+}  // namespace filter_elements
