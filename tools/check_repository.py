@@ -38,6 +38,7 @@ MODULE_IMPLEMENTATIONS = {
     "format": {"format", "frame"},
     "filters": {"filters", "frame", "items"},
     "datasources": {"datasources", "frame", "items"},
+    "search": {"search", "datasources", "frame", "items"},
 }
 
 INCLUDE = re.compile(r'^\s*#include\s+"([^"]+)"', re.M)

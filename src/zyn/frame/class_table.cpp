@@ -30,6 +30,8 @@
 #include "zyn/matrix/data_matrix_columns.h"
 #include "zyn/matrix/data_matrix_row.h"
 #include "zyn/matrix/data_matrix_sorter.h"
+#include "zyn/search/search.h"
+#include "zyn/search/search_runner.h"
 #include "zyn/sql/data_matrix_sql_in_filters.h"
 #include "zyn/sql/data_matrix_sql_loader.h"
 #include "zyn/sql/data_matrix_sql_range_filters.h"
@@ -112,6 +114,8 @@ void registerFilterSpecifications(moxPluginRegistry& registry) {
 }
 
 void registerSearchAndProperties(moxPluginRegistry& registry) {
+  internal<moxSE_Runner>(registry, "moxSearchRunner");
+  internal<moxSE_Search>(registry, "moxSearch");
   internal<PropertiesCollection>(registry, "moxPropertiesCollection");
   internal<FormatterProperty>(registry, "FormatterProperty");
 }

@@ -1,115 +1,60 @@
-#include "mox/core/registry.h"
-#include "mox/zyn/frame/plugin_entry.h"
 #include "mox/zyn/items/zyn_collection.h"
 #include "mox/zyn/items/zyn_load_report.h"
 #include "mox/zyn/search/search.h"
 #include "unit/datasources/sql_source_fixture.h"
-#include "zyn/frame/plugin_containers.h"
 
 namespace {
 
-/// A search as far as its source deals with one: it keeps its name, and what it is told.
-class ToldSearch final : public moxSearch {
- public:
-  std::string name() const override { return "moxSearch"; }
-  bool load(std::shared_ptr<moxXMLNode> node) override {
-    internalName_ = node->readAttribute("name");
-    return true;
-  }
-  bool save(std::shared_ptr<moxXMLNode> node) const override {
-    node->writeAttribute("name", internalName_);
-    return true;
-  }
-  std::string description() const override { return internalName_; }
-  int getTipo() const override { return kSearch; }
-  std::shared_ptr<moxZYNItem> getZynItemRelated() override { return {}; }
-  void setParentLibraryName(std::string const&) override {}
-  std::string getParentLibName() const override { return {}; }
-  void setInternalName(std::string const& internalName) override { internalName_ = internalName; }
-  void setHeaderName(std::string const&) override {}
-  std::string getHeaderName() const override { return {}; }
-  void setAllowReorder(bool) override {}
-  void setAutoFill(bool) override {}
-  bool allowReorder() const override { return false; }
-  bool autoFill() const override { return false; }
-  void setInitialSize(unsigned int, unsigned int) override {}
-  unsigned int getInitialWidth() const override { return 0; }
-  unsigned int getInitialHeight() const override { return 0; }
-  std::shared_ptr<moxSQLDataSourceColumn const> getInitialOrderColumn() const override {
-    return {};
-  }
-  bool getInitialOrderAscending() const override { return false; }
-  void setInitialOrderColumn(std::shared_ptr<moxSQLDataSourceColumn const>, bool) override {}
-  std::shared_ptr<moxDataSource> getDataSource() override { return {}; }
-  std::shared_ptr<moxDataSource const> getDataSource() const override { return told_.lock(); }
-  void setDataSource(std::shared_ptr<moxDataSource>) override {}
-  std::string dataSourceExterno() const override { return toldName_; }
-  void setDataSourceExterno(std::string const& name,
-                            std::shared_ptr<moxDataSource const> dataSource) override {
-    toldName_ = name;
-    told_ = dataSource;
-  }
-  std::shared_ptr<moxSQLDataSource const> getSqlDataSource() const override { return {}; }
-  void setRequireFilter(bool) override {}
-  bool requireFilter() const override { return false; }
-  void setRequirePermission(bool) override {}
-  bool requirePermission() const override { return false; }
+using SqlDataSourceSearch = sql_source_test::SqlSourceTest;
+using sql_source_test::failureOf;
 
- private:
-  std::string internalName_;
-  std::string toldName_;
-  std::weak_ptr<moxDataSource const> told_;
-};
-
-int registerSearch(moxPluginRegistry* registry) {
-  registry->setLibraryName("search of the tests");
-  registry->registerClass(std::make_unique<moxInternalPluginContainer<ToldSearch>>("moxSearch"));
-  return 1;
-}
-
-void enterNowhere(VELMORApplication*, moxSessionService*) {}
-
-class SqlDataSourceSearch : public sql_source_test::SqlSourceTest {
- protected:
-  void addSearches() {
-    host_.application().addModule(
-        {moxPlugIn_ModuleVersion, moxPlugIn_DoValidityCheck, enterNowhere, registerSearch},
-        "the tests' search");
-  }
-};
-
-std::string const kWithSearch = "<Command>s</Command><moxSearch name=\"Procura\"/>";
+std::string const kWithSearch =
+    "<Command>s</Command><moxSearch InternalName=\"Procura\"><General/></moxSearch>";
 
 }  // namespace
 
 TEST_F(SqlDataSourceSearch, IsMadeByTheRegistryAndToldItsSource) {
-  addSearches();
   auto made = source(kWithSearch, "name=\"Alunos\"");
   auto const search = made->getSearch();
   ASSERT_NE(search, nullptr);
   EXPECT_EQ(search->description(), "Procura");
   EXPECT_EQ(search->dataSourceExterno(), "Alunos");
+  EXPECT_EQ(search->getDataSource(), nullptr);
   EXPECT_EQ(std::as_const(*search).getDataSource(), made);
+  EXPECT_EQ(search->getSqlDataSource(), made);
   EXPECT_EQ(made->getZynItemRelated(), search);
+}
+
+TEST_F(SqlDataSourceSearch, DoesNotKeepItsSourceAlive) {
+  auto made = source(kWithSearch, "name=\"Alunos\"");
+  std::weak_ptr<moxSQLDataSource> const watched = made;
+  auto const search = made->getSearch();
   made.reset();
-  EXPECT_EQ(std::as_const(*search).getDataSource(), nullptr);
+  EXPECT_TRUE(watched.expired());
+  EXPECT_EQ(failureOf([&] { std::as_const(*search).getDataSource(); }).message,
+            "Fonte de dados externa inválida");
 }
 
 TEST_F(SqlDataSourceSearch, IsWrittenLast) {
-  addSearches();
-  auto const made = source(kWithSearch);
+  auto const made = source(kWithSearch, "name=\"Alunos\"");
   EXPECT_EQ(textOf(*made),
-            "<moxSQLDataSource name=\"\" VisibleName=\"\" whereand=\"\"><Command type=\"0\">s"
-            "</Command><Columns/><moxSearch name=\"Procura\"/></moxSQLDataSource>");
+            "<moxSQLDataSource name=\"Alunos\" VisibleName=\"\" whereand=\"\"><Command type=\"0\">s"
+            "</Command><Columns/><moxSearch VisibleName=\"\" InternalName=\"Procura\">"
+            "<General dataSource=\"Alunos\" requireFilter=\"0\" requirePermission=\"1\">"
+            "<AutoFill atStartup=\"0\"/><Allowing Reorder=\"0\"/>"
+            "<Geometry width=\"760\" height=\"450\"/></General></moxSearch></moxSQLDataSource>");
   made->setSearch({});
   EXPECT_EQ(textOf(*made).find("<moxSearch"), std::string::npos);
   EXPECT_EQ(made->getZynItemRelated(), nullptr);
 }
 
-TEST_F(SqlDataSourceSearch, ThatNobodyRegisteredKeepsTheSourceOutOfItsCollection) {
+TEST_F(SqlDataSourceSearch, ThatNeedsAnUnknownClassKeepsTheSourceOutOfItsCollection) {
+  std::string const withUnknown =
+      "<Command>s</Command><moxSearch><General/><dataSource><moxNoSource/></dataSource>"
+      "</moxSearch>";
   auto const collection = host_.get<moxZYNCollection>("moxZYNCollection");
   collection->unserialize(document("<moxZYNCollection>\n<moxSQLDataSource name=\"a\">" +
-                                   kWithSearch +
+                                   withUnknown +
                                    "</moxSQLDataSource><moxSQLDataSource name=\"b\"/>"
                                    "</moxZYNCollection>")
                               ->root());
@@ -119,5 +64,5 @@ TEST_F(SqlDataSourceSearch, ThatNobodyRegisteredKeepsTheSourceOutOfItsCollection
   ASSERT_EQ(skipped.size(), 1u);
   EXPECT_EQ(skipped[0].elementName, "moxSQLDataSource");
   EXPECT_EQ(skipped[0].line, 2);
-  EXPECT_EQ(skipped[0].reason, "no class is registered under the name 'moxSearch'");
+  EXPECT_EQ(skipped[0].reason, "no class is registered under the name 'moxNoSource'");
 }

@@ -143,6 +143,8 @@ TEST(PluginEntry, ClassesAreRegisteredInTheirOrder) {
                                                          "moxDoubleInFilter",
                                                          "moxDateUniqueFilter",
                                                          "moxDateRangeFilter",
+                                                         "moxSearchRunner",
+                                                         "moxSearch",
                                                          "moxPropertiesCollection",
                                                          "FormatterProperty",
                                                          "moxSQLDataSource",
