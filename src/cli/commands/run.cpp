@@ -1,15 +1,13 @@
-#include <fmt/format.h>
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
-#include <chrono>
-#include <cstdio>
 
 #include "cli/commands/commands.h"
 #include "cli/definition_options.h"
 #include "cli/output/progress.h"
 #include "cli/output/result_printer.h"
 #include "cli/reported_reading.h"
+#include "cli/run_times.h"
 #include "mox/zyn/datasources/sql_data_source.h"
 #include "mox/zyn/matrix/data_matrix.h"
 
@@ -24,41 +22,6 @@ struct RunOptions {
   bool time = false;
   OutputOptions output;
 };
-
-/// Seconds from the object's making, or from the last lap.
-class Stopwatch {
- public:
-  double lap() {
-    auto const now = Clock::now();
-    double const seconds = std::chrono::duration<double>(now - start_).count();
-    start_ = now;
-    return seconds;
-  }
-
- private:
-  using Clock = std::chrono::steady_clock;
-
-  Clock::time_point start_ = Clock::now();
-};
-
-/// Where the time of a run went.
-struct RunTimes {
-  double start = 0;  // settings, modules, definitions, database
-  double load = 0;
-  double print = 0;  // formatting and writing
-  double write = 0;  // waiting for the place that is written to
-};
-
-void tellTimes(RunTimes const& times) {
-  double const total = times.start + times.load + times.print;
-  auto const share = [total](double seconds) {
-    return fmt::format("{:.3f} s ({:.0f} %)", seconds, total > 0 ? 100 * seconds / total : 0);
-  };
-  std::string const line = fmt::format(
-      "time: {:.3f} s; start {}, load {}, formatting {}, writing {}\n", total, share(times.start),
-      share(times.load), share(times.print - times.write), share(times.write));
-  std::fputs(line.c_str(), stderr);
-}
 
 std::map<std::string, std::string> headingsOf(moxDataSource const& definition) {
   std::map<std::string, std::string> headings;
@@ -100,7 +63,7 @@ void runDefinition(GlobalOptions const& globals, RunOptions const& options) {
   progress.stop();
   printer.tell();
   if (options.time) {
-    tellTimes(times);
+    times.tell();
   }
 }
 

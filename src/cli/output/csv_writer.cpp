@@ -96,7 +96,7 @@ void writeCsv(OutputBuffer& out, ResultTable const& table, CsvOptions const& opt
   for (auto const& column : table.columns) {
     writers.push_back(visitColumn(*column, CellWriterMaker{options}));
   }
-  for (unsigned int row = 0; row < table.rowCount; ++row) {
+  for (unsigned int row = table.firstRow; row < table.endRow(); ++row) {
     for (std::size_t i = 0; i < writers.size(); ++i) {
       if (i != 0) {
         out.append(',');

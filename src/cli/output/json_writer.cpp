@@ -161,8 +161,8 @@ class ObjectWriter {
 void writeJson(OutputBuffer& out, ResultTable const& table) {
   ObjectWriter const writer(table);
   out.append('[');
-  for (unsigned int row = 0; row < table.rowCount; ++row) {
-    out.append(row == 0 ? "\n" : ",\n");
+  for (unsigned int row = table.firstRow; row < table.endRow(); ++row) {
+    out.append(row == table.firstRow ? "\n" : ",\n");
     writer.write(out, row);
   }
   out.append(table.rowCount == 0 ? "]\n" : "\n]\n");
@@ -170,7 +170,7 @@ void writeJson(OutputBuffer& out, ResultTable const& table) {
 
 void writeNdjson(OutputBuffer& out, ResultTable const& table) {
   ObjectWriter const writer(table);
-  for (unsigned int row = 0; row < table.rowCount; ++row) {
+  for (unsigned int row = table.firstRow; row < table.endRow(); ++row) {
     writer.write(out, row);
     out.append('\n');
   }

@@ -33,6 +33,9 @@ bool wantsStyles() {
 
 std::string rowsText(ResultTable const& table, unsigned int allRows) {
   std::string_view const noun = allRows == 1 ? "row" : "rows";
+  if (table.firstRow > 0 && table.rowCount > 0) {
+    return fmt::format("rows {} to {} of {}", table.firstRow + 1, table.endRow(), allRows);
+  }
   if (table.rowCount == allRows) {
     return fmt::format("{} {}", allRows, noun);
   }
@@ -97,16 +100,19 @@ ResultPrinter::ResultPrinter(OutputOptions const& options, bool quiet)
 
 void ResultPrinter::print(moxDataMatrix const& matrix, unsigned int rowLimit,
                           std::function<void(std::int64_t)> onRows) {
-  bool const isTable = format_ == "table";
-  ResultTable table{isTable || formatted_ ? formattedColumnsOf(matrix) : columnsOf(matrix),
-                    std::min(rowLimit, matrix.rowCount()), std::move(onRows),
-                    isTable ? headingsOf(matrix, headings_) : std::vector<std::string>()};
+  print({isTable() || formatted_ ? formattedColumnsOf(matrix) : columnsOf(matrix),
+         std::min(rowLimit, matrix.rowCount()), std::move(onRows),
+         isTable() ? headingsOf(matrix, headings_) : std::vector<std::string>()},
+        matrix.rowCount());
+}
+
+void ResultPrinter::print(ResultTable const& table, unsigned int allRows) {
   TimedSink sink(*target_, writingSeconds_);
   OutputBuffer out(sink);
-  if (isTable) {
+  if (isTable()) {
     bool const forTerminal = target_->isTerminal();
     auto const leftOut = writeTable(out, table, {target_->width(), forTerminal && wantsStyles()});
-    summary_ = quiet_ ? "" : summaryText(table, matrix.rowCount(), leftOut);
+    summary_ = quiet_ ? "" : summaryText(table, allRows, leftOut);
   } else if (format_ == "csv") {
     writeCsv(out, table, {.forTerminal = target_->isTerminal()});
   } else if (format_ == "json") {

@@ -9,8 +9,7 @@
 
 #include "cli/output/output_options.h"
 #include "cli/output/output_target.h"
-
-class moxDataMatrix;
+#include "cli/output/result_table.h"
 
 namespace mox::cli {
 
@@ -33,9 +32,15 @@ class ResultPrinter {
   /// Whether the result goes to a terminal.
   bool toTerminal() const { return target_->isTerminal(); }
 
+  /// Whether people read the result as a table.
+  bool isTable() const { return format_ == "table"; }
+
   /// Writes the first `rowLimit` rows. `onRows` is told how many are written. Called once.
   void print(moxDataMatrix const& matrix, unsigned int rowLimit = kAllRows,
              std::function<void(std::int64_t)> onRows = {});
+
+  /// Writes a table that was made elsewhere, of a result of `allRows` rows. In place of the other.
+  void print(ResultTable const& table, unsigned int allRows);
 
   /// Writes the line about the result, if there is one, to standard error. Called last: by then
   /// nothing else may be written there.

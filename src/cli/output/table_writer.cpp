@@ -88,7 +88,7 @@ class TableWriter {
     auto leftOut = fit();
     writeHeader();
     writeLine();
-    for (unsigned int row = 0; row < table_.rowCount; ++row) {
+    for (unsigned int row = table_.firstRow; row < table_.endRow(); ++row) {
       writeRow(row);
       table_.rowWritten(row);
     }
@@ -119,7 +119,7 @@ class TableWriter {
     // No terminal is wider than the limit, so a column need not be measured beyond.
     int const limit = options_.width > 0 ? options_.width : kNoWidthLimit;
     int cells = 1;
-    for (unsigned int row = 0; row < table_.rowCount && cells < limit; ++row) {
+    for (unsigned int row = table_.firstRow; row < table_.endRow() && cells < limit; ++row) {
       cells = std::max(cells, cellWidth(column, row, limit));
     }
     int const wanted = std::max(cells, displayWidth(column.header, limit));
