@@ -5,13 +5,15 @@
 #include <set>
 #include <stdexcept>
 
-#include "mox/core/application.h"
+#include "core/run/group_members.h"
+#include "core/run/wiring_problems.h"
 #include "mox/core/error_with_details.h"
 #include "mox/core/session.h"
 #include "mox/zyn/datasources/data_source.h"
 #include "mox/zyn/datasources/data_source_execution.h"
+#include "mox/zyn/datasources/group_data_source.h"
+#include "mox/zyn/datasources/sql_data_source.h"
 #include "mox/zyn/filters/filter_specification.h"
-#include "mox/zyn/items/zyn_cache.h"
 #include "mox/zyn/matrix/data_matrix.h"
 #include "mox/zyn/sql/data_matrix_sql_filter.h"
 
@@ -25,35 +27,12 @@ using Source = std::shared_ptr<moxDataSource const>;
   throw moxDefaultErrorImpl<moxError>(message);
 }
 
-/// A failure inside a run, with the definition among its details.
-moxErrorWithDetails runError(moxError const& cause, std::string const& definition) {
-  return {cause, {}, {"in the definition " + quotedForMessage(definition)}};
-}
-
-template <class T>
-std::shared_ptr<T> made(VELMORApplication& application, char const* className) {
-  auto object = application.get<T>(className);
-  if (!object) {
-    fail(std::string("the class ") + className + " is not available to this session");
-  }
-  return object;
-}
-
-Source findSource(VELMORApplication& application, std::string const& name) {
-  auto const item = made<moxZYNCache>(application, "moxZYNCache")->getCollection(name);
-  if (!item) {
-    fail("there is no definition " + quotedForMessage(name));
-  }
-  auto source =
-      std::dynamic_pointer_cast<moxDataSource const>(std::shared_ptr<moxZYNItem const>(item));
-  if (!source) {
-    source = std::dynamic_pointer_cast<moxDataSource const>(
-        std::shared_ptr<moxZYNItem const>(item->getZynItemRelated()));
-  }
-  if (!source) {
-    fail("the definition " + quotedForMessage(name) + " gives no data: it is a " + item->name());
-  }
-  return source;
+/// A failure inside a run, with the definition among its details, and what is wrong in its wiring.
+moxErrorWithDetails runError(moxError const& cause, std::string const& name,
+                             moxDataSource const& definition) {
+  auto details = wiringProblems(definition);
+  details.push_back("in the definition " + quotedForMessage(name));
+  return {cause, {}, details};
 }
 
 /// Each source once, those that others read ahead of these, the definition last.
@@ -90,33 +69,76 @@ void demandRight(std::shared_ptr<moxUserSession> const& user, std::vector<int> c
   }
 }
 
-/// The definition's own come first, so that they win where names are equal in all.
-std::vector<FilterOffer> offersOf(std::vector<moxDataSourceToProcess> const& list) {
-  std::vector<FilterOffer> offers;
-  std::set<moxFilterSpecification const*> seen;
-  for (auto entry = list.rbegin(); entry != list.rend(); ++entry) {
-    for (auto const& specification : entry->second.second->getFilters()) {
-      if (specification && seen.insert(specification.get()).second) {
-        offers.push_back({entry->first, specification});
+bool hasStatements(moxDataSource const& source) {
+  return dynamic_cast<moxSQLDataSource const*>(&source) != nullptr ||
+         dynamic_cast<moxGroupDataSource const*>(&source) != nullptr;
+}
+
+/// Gathers what sources offer. One that reads another's rows may hand on the other's filters; such
+/// a filter is aimed at the source that has a statement to narrow.
+class Offers {
+ public:
+  void add(moxDataSource const& source, moxDataSourceToProcess const& entry) {
+    for (auto const& specification : entry.second.second->getFilters()) {
+      if (specification) {
+        add({entry.first, specification}, hasStatements(source));
       }
     }
+    if (auto const* const group = dynamic_cast<moxGroupDataSource const*>(&source)) {
+      appendMemberOffers(*group, entry.first, offers_);
+    }
   }
-  return offers;
+
+  std::vector<FilterOffer> take() { return std::move(offers_); }
+
+ private:
+  void add(FilterOffer offer, bool narrows) {
+    auto const [known, isNew] = places_.emplace(offer.specification.get(), offers_.size());
+    if (isNew) {
+      offers_.push_back(std::move(offer));
+    } else if (narrows) {
+      offers_[known->second].source = offer.source;
+    }
+  }
+
+  std::vector<FilterOffer> offers_;
+  std::map<moxFilterSpecification const*, std::size_t> places_;
+};
+
+/// The definition's own come first, so that they win where names are equal in all.
+std::vector<FilterOffer> offersOf(std::vector<Source> const& sources,
+                                  std::vector<moxDataSourceToProcess> const& list) {
+  Offers offers;
+  for (std::size_t i = list.size(); i-- > 0;) {
+    offers.add(*sources[i], list[i]);
+  }
+  return offers.take();
 }
 
 }  // namespace
 
 DefinitionRun::DefinitionRun(VELMORApplication& application, moxSessionService& sessions,
                              std::string name)
+    : DefinitionRun(application, sessions, name, findDefinition(application, name)) {}
+
+DefinitionRun::DefinitionRun(VELMORApplication& application, moxSessionService& sessions,
+                             std::string name, FoundDefinition found)
     : application_(application),
       sessions_(sessions),
       name_(std::move(name)),
-      sources_(inOrderOfRunning(findSource(application, name_))),
-      context_(made<moxDataSourceExecutionContext>(application, "moxDataSourceExecutionContext")) {
-  for (auto const& source : sources_) {
-    list_.push_back(toProcess(source));
+      search_(std::move(found.search)),
+      context_(madeByRegistry<moxDataSourceExecutionContext>(application,
+                                                             "moxDataSourceExecutionContext")) {
+  try {
+    sources_ = inOrderOfRunning(found.source);
+    withMembers(sources_);  // a member that is not there is told before anything is asked for
+    for (auto const& source : sources_) {
+      list_.push_back(toProcess(source));
+    }
+    offers_ = offersOf(sources_, list_);
+  } catch (moxError const& error) {
+    throw runError(error, name_, *found.source);
   }
-  offers_ = offersOf(list_);
 }
 
 bool DefinitionRun::keepsToUnits() const {
@@ -170,19 +192,25 @@ void DefinitionRun::keepReport(Report report) {
 
 std::shared_ptr<moxDataMatrix> DefinitionRun::run(
     std::shared_ptr<moxDataSourceExecutionProgressNotifier> notifier) {
+  runBy([&](auto const& context, std::vector<int> const& units) {
+    context->processDataSources(std::move(notifier), list_, units, 0);
+  });
+  return context_->getDataMatrix(definition()->getName());
+}
+
+void DefinitionRun::runBy(Way const& way) {
   if (!filtersSet_) {
     setFilterArguments({});
   }
   try {
-    context_->processDataSources(std::move(notifier), list_, units_, 0);
+    way(context_, units_);
   } catch (moxError const& error) {
-    throw runError(error, name_);
+    throw runError(error, name_, *definition());
   } catch (std::out_of_range const& error) {
     throw runError(moxDefaultErrorImpl<moxError>("the definition refers to more than there is",
                                                  {error.what()}),
-                   name_);
+                   name_, *definition());
   }
-  return context_->getDataMatrix(definition()->getName());
 }
 
 moxRunReport DefinitionRun::report() const {

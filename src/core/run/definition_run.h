@@ -1,9 +1,11 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
 
+#include "core/run/definition_lookup.h"
 #include "core/run/filter_argument.h"
 #include "core/run/unit_confinement.h"
 #include "mox/zyn/datasources/data_source_execution_context.h"
@@ -30,16 +32,25 @@ class DefinitionRun {
     kComposeOnly  // statements are put together and, but for what others need, not sent
   };
 
-  /// Throws moxError when the session finds no source of data under the name.
+  /// Throws moxError when the session finds no source of data under the name, and for a group whose
+  /// members do not fit together; of a search the source is run.
   DefinitionRun(VELMORApplication& application, moxSessionService& sessions, std::string name);
 
+  /// For a definition that was found before, under the name by which failures tell it.
+  DefinitionRun(VELMORApplication& application, moxSessionService& sessions, std::string name,
+                FoundDefinition found);
+
   std::shared_ptr<moxDataSource const> const& definition() const { return sources_.back(); }
+
+  /// The search that was named; empty when the name is that of a source.
+  std::shared_ptr<moxSearch const> const& search() const { return search_; }
 
   /// The sources in the order of running, the definition last.
   std::vector<std::shared_ptr<moxDataSource const>> const& sources() const { return sources_; }
 
   /// What a user can be asked for: the definition's own filters, then those of the sources that it
-  /// depends on.
+  /// depends on. A group has those of its filter source under its own name; members that join its
+  /// screen have theirs under "group->member".
   std::vector<FilterOffer> const& offers() const { return offers_; }
 
   /// Whether the rows belong to business units.
@@ -67,6 +78,12 @@ class DefinitionRun {
   std::shared_ptr<moxDataMatrix> run(
       std::shared_ptr<moxDataSourceExecutionProgressNotifier> notifier = {});
 
+  /// The same by way of somebody else, who is given the context and the units to run for, and who
+  /// shall process a list once.
+  using Way = std::function<void(std::shared_ptr<moxDataSourceExecutionContext> const& context,
+                                 std::vector<int> const& units)>;
+  void runBy(Way const& way);
+
   /// What happened so far, when it is kept; empty otherwise.
   moxRunReport report() const;
 
@@ -78,6 +95,7 @@ class DefinitionRun {
   VELMORApplication& application_;
   moxSessionService& sessions_;
   std::string name_;
+  std::shared_ptr<moxSearch const> search_;
   std::vector<std::shared_ptr<moxDataSource const>> sources_;
   std::vector<moxDataSourceToProcess> list_;
   std::shared_ptr<moxDataSourceExecutionContext> context_;

@@ -48,8 +48,23 @@ void appendNames(std::vector<std::string>& names, std::string const& table,
   }
 }
 
-std::vector<std::string> columnNames(moxFilterSpecification const& specification) {
+/// Adds every name once more behind the source that is narrowed: by its own name, and by its place
+/// in groups.
+std::vector<std::string> withSource(std::vector<std::string> names, std::string const& source) {
+  auto const count = names.size();
+  auto const mark = source.rfind("->");
+  for (std::size_t i = 0; i < count; ++i) {
+    names.push_back(source + ":" + names[i]);
+    if (mark != source.npos) {
+      names.push_back(source.substr(mark + 2) + ":" + names[i]);
+    }
+  }
+  return names;
+}
+
+std::vector<std::string> columnNames(FilterOffer const& offer) {
   std::vector<std::string> names;
+  auto const& specification = *offer.specification;
   auto const column = specification.getColumn();
   appendNames(names, specification.getTableName(), column);
   if (isToken(column)) {
@@ -58,12 +73,12 @@ std::vector<std::string> columnNames(moxFilterSpecification const& specification
   if (auto const bound = specification.getSQLDataSourceColumn()) {
     appendNames(names, bound->getTableName(), bound->getColumnName());
   }
-  return names;
+  return withSource(std::move(names), offer.source);
 }
 
-std::vector<std::string> labels(moxFilterSpecification const& specification) {
-  auto const label = specification.getDescription();
-  return label.empty() ? std::vector<std::string>() : std::vector{label};
+std::vector<std::string> labels(FilterOffer const& offer) {
+  auto const label = offer.specification->getDescription();
+  return label.empty() ? std::vector<std::string>() : withSource({label}, offer.source);
 }
 
 struct Match {
@@ -78,7 +93,7 @@ Match match(std::string_view text, Offers const& offers, NamesOf namesOf) {
   Match best;
   for (auto const& offer : offers) {
     std::size_t length = 0;
-    for (auto const& name : namesOf(*offer.specification)) {
+    for (auto const& name : namesOf(offer)) {
       bool const fits = text.starts_with(name) && text.substr(name.size()).starts_with('=');
       length = std::max(length, fits ? name.size() : 0);
     }
@@ -139,13 +154,16 @@ std::string fullName(FilterOffer const& offer) {
 
 [[noreturn]] void refuseAmbiguous(std::string const& text, std::size_t nameLength,
                                   Offers const& offers) {
-  std::vector<std::string> names;
+  std::set<std::string> names;
+  std::set<std::string> sources;
   for (auto const& offer : offers) {
-    names.push_back(fullName(offer));
+    names.insert(fullName(offer));
+    sources.insert(offer.source);
   }
   throw FilterArgumentError(
-      fmt::format("filter {}: {} can be any of {}; write TABLE.COLUMN", quotedForMessage(text),
-                  quotedForMessage(text.substr(0, nameLength)), fmt::join(names, ", ")));
+      fmt::format("filter {}: {} can be any of {}; write {}", quotedForMessage(text),
+                  quotedForMessage(text.substr(0, nameLength)), fmt::join(names, ", "),
+                  sources.size() > 1 ? "SOURCE:COLUMN" : "TABLE.COLUMN"));
 }
 
 /// Of several forms on one column the one that the value looks like, else one that can take it.
@@ -188,7 +206,8 @@ FilterValue readValue(moxFilterSpecification const& specification, std::string_v
 
 bool isGiven(FilterOffer const& offer, std::vector<FilterArgument> const& arguments) {
   return std::any_of(arguments.begin(), arguments.end(), [&](FilterArgument const& argument) {
-    return argument.offer.specification == offer.specification;
+    return argument.offer.specification == offer.specification &&
+           argument.offer.source == offer.source;
   });
 }
 

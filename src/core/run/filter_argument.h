@@ -14,7 +14,7 @@ namespace mox::core {
 
 /// Something that a user can be asked for in a run.
 struct FilterOffer {
-  std::string source;  // whose statement is narrowed, by its name in the run
+  std::string source;  // what is narrowed, by its name in the run; "group->member" in a group
   std::shared_ptr<moxFilterSpecification const> specification;  // never empty
 };
 
@@ -28,8 +28,10 @@ struct FilterArgument {
 
 /// Reads "COLUMN=VALUE". COLUMN is the column or token that a specification is on; or the name of
 /// that column in the result; either behind "TABLE."; a token also without its braces; or, when no
-/// column is called so, the label. Of specifications on one column the one is taken whose form the
-/// value has. Throws FilterArgumentError, which for an unknown COLUMN lists what is offered.
+/// column is called so, the label. Each of them may stand behind "SOURCE:", the source that is
+/// narrowed, by its place in groups ("group->member") or its own name. Of specifications on one
+/// column the one is taken whose form the value has. Throws FilterArgumentError, which for an
+/// unknown COLUMN lists what is offered.
 FilterArgument readFilterArgument(std::string const& text, std::vector<FilterOffer> const& offers);
 
 /// Reads all that a user gave. Also refuses one that is given twice.
