@@ -28,6 +28,13 @@ TEST_F(XmlAttributes, WhatIsNoValueReadsAsTheDefault) {
   EXPECT_EQ(xml_attributes::readInt(node_, "absent"), 0);
 }
 
+TEST_F(XmlAttributes, TheTextOfAnElementIsReadByTheSameRule) {
+  EXPECT_EQ(xml_attributes::intOf("-12"), -12);
+  EXPECT_EQ(xml_attributes::intOf("12x", 7), 7);
+  EXPECT_EQ(xml_attributes::intOf(" 12", 7), 7);
+  EXPECT_EQ(xml_attributes::intOf("", 7), 7);
+}
+
 TEST_F(XmlAttributes, WhatIsWrittenReadsBack) {
   EXPECT_EQ(xml_attributes::readInt(node_, "number"), -12);
   for (int const value : {0, -1, INT_MAX, INT_MIN}) {
