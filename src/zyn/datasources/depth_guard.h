@@ -19,19 +19,19 @@ class DepthGuard {
 
   /// Throws moxError "Fonte de dados externa inválida" beyond either bound.
   DepthGuard() {
-    int const steps = depth_ == 0 ? 0 : steps_;
-    if (depth_ >= kMaximumDepth || steps >= kMaximumSteps) {
+    int const steps = guardsHeld == 0 ? 0 : stepsTaken;
+    if (guardsHeld >= kMaximumDepth || steps >= kMaximumSteps) {
       throw moxDefaultErrorImpl<moxError>("Fonte de dados externa inválida");
     }
-    steps_ = steps + 1;
-    ++depth_;
+    stepsTaken = steps + 1;
+    ++guardsHeld;
   }
-  ~DepthGuard() { --depth_; }
+  ~DepthGuard() { --guardsHeld; }
 
   DepthGuard(DepthGuard const&) = delete;
   DepthGuard& operator=(DepthGuard const&) = delete;
 
  private:
-  static inline thread_local int depth_ = 0;
-  static inline thread_local int steps_ = 0;  // valid while depth_ is above 0
+  static inline thread_local int guardsHeld = 0;
+  static inline thread_local int stepsTaken = 0;  // valid while guardsHeld is above 0
 };
