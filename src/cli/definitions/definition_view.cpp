@@ -32,14 +32,38 @@ void addPack(DefinitionView& view, moxZYNPack const& pack) {
   }
 }
 
+SearchView searchView(moxSearch const& search) {
+  return {.heading = search.getHeaderName(),
+          .source = search.dataSourceExterno(),
+          .autoFill = search.autoFill(),
+          .allowReorder = search.allowReorder(),
+          .requireFilter = search.requireFilter(),
+          .requirePermission = search.requirePermission(),
+          .width = search.getInitialWidth(),
+          .height = search.getInitialHeight(),
+          .order = {}};
+}
+
+void addSearchSource(DefinitionView& view, moxSearch const& search) {
+  auto const source = search.getDataSource();
+  if (!source) {
+    return;
+  }
+  if (search.dataSourceExterno().empty()) {
+    addSource(view, *source);
+  } else {
+    addColumns(view, *source);
+  }
+  view.dependencies = {dependencyTree(*source)};
+  if (auto const column = search.getInitialOrderColumn()) {
+    view.search->order.push_back({column->getColumnName(), !search.getInitialOrderAscending()});
+  }
+}
+
 void addSearch(DefinitionView& view, moxSearch const& search) {
-  addSetting(view, "heading", search.getHeaderName());
-  addSetting(view, "source", search.dataSourceExterno());
+  view.search = searchView(search);
   try {
-    if (auto const source = search.getDataSource()) {
-      addColumns(view, *source);
-      view.dependencies = {dependencyTree(*source)};
-    }
+    addSearchSource(view, search);
   } catch (moxError const& error) {
     // A definition whose source is missing can still be looked at, to see what it misses.
     addSetting(view, "defect", error.errorMessage());

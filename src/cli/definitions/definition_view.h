@@ -1,9 +1,11 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "mox/zyn/datasources/sql_data_source_column.h"
 #include "mox/zyn/items/zyn_item.h"
 
 namespace mox::cli {
@@ -45,11 +47,102 @@ struct DependencyView {
   std::string name;
   std::string className;
   bool repeated = false;  // told further up, with what it reads
+  bool ring = false;      // repeated because it reads itself, by way of what stands above it
   std::vector<DependencyView> dependencies;
 };
 
+struct DefinitionView;
+
+/// A condition that a filter source puts on a column.
+struct ConditionView {
+  std::string kind;  // values, statement, or none: a user's filter on the column is switched off
+  moxSQLDataSourceColumn::SQLColum column;
+  std::string filter;       // the registered class of the filter that it answers
+  std::vector<int> values;  // ascending
+  std::string statement;    // whose first column gives the values
+};
+
+/// How a filter source changes another source's statement.
+struct FilterSourceView {
+  std::string source;
+  std::vector<std::pair<std::string, std::string>>
+      texts;  // join, where, group, order; if not empty
+  bool replacesColumns = false;
+  std::vector<ColumnView> columns;  // its own
+  std::vector<ConditionView> conditions;
+};
+
+/// The filter `filter` answers for a column or, where its name holds "{{", for a token.
+struct RelatedFilterView {
+  std::string filter;
+  moxSQLDataSourceColumn::SQLColum column;
+};
+
+/// What a filter manager says of one source.
+struct GovernedView {
+  std::string source;
+  std::vector<std::string> offered;  // columns and tokens on which a user may filter
+  std::vector<RelatedFilterView> related;
+};
+
+/// Where a member's change, or what it passes on, ends.
+struct WireView {
+  std::string source;                // as the member's definition calls it
+  std::vector<std::string> through;  // members on the way
+  std::string target;                // the member; empty when there is none
+  std::string defect;                // why not
+};
+
+/// This member's `column` refers to `memberColumn` of `member`.
+struct MemberRelationView {
+  std::string member;
+  std::string memberColumn;
+  moxSQLDataSourceColumn::SQLColum column;
+  std::string defect;
+};
+
+/// A member of a group, with its wiring.
+struct MemberView {
+  std::string name;
+  std::string className;  // of its source; empty where it has none
+  std::string external;   // the name of a source elsewhere; empty for one that it holds
+  bool isOutput = false;
+  bool isFilterSource = false;
+  bool joinsFilterScreen = false;
+  bool repeated = false;                                    // its source is told further up
+  bool ring = false;                                        // and holds this group
+  std::vector<std::pair<std::string, std::string>> inputs;  // name in the source, member
+  std::optional<MemberRelationView> relation;
+  std::vector<WireView> wires;         // one of a filter source, one a governed source of a manager
+  std::vector<std::string> changedBy;  // members, in their order
+  std::vector<std::string> governedBy;
+  std::string defect;
+  std::vector<DefinitionView>
+      source;  // one or none: what it holds; of others only the wiring kinds
+};
+
+struct GroupView {
+  std::string outputSource;
+  std::string filterSource;
+  std::vector<MemberView> members;
+};
+
+/// What a search says of its screen.
+struct SearchView {
+  std::string heading;
+  std::string source;  // named elsewhere; empty for one that it owns
+  bool autoFill = false;
+  bool allowReorder = false;
+  bool requireFilter = false;
+  bool requirePermission = false;
+  unsigned int width = 0;  // in pixels
+  unsigned int height = 0;
+  std::vector<OrderView> order;  // one column or none
+};
+
 /// A definition as its reader wants to see it. Settings are pairs of name and value that only some
-/// kinds have.
+/// kinds have; at most one of the optional parts is there but for a search, which has its source's
+/// too.
 struct DefinitionView {
   std::string name;
   std::string kind;
@@ -61,6 +154,10 @@ struct DefinitionView {
   std::vector<OrderView> order;
   std::vector<RelationView> relations;
   std::vector<DependencyView> dependencies;
+  std::optional<SearchView> search;
+  std::optional<FilterSourceView> filterSource;
+  std::optional<std::vector<GovernedView>> governed;
+  std::optional<GroupView> group;
 };
 
 /// Looks at a definition through its public interfaces; a kind that has none is told with what

@@ -4,6 +4,7 @@
 #include <array>
 #include <set>
 
+#include "mox/core/error.h"
 #include "mox/zyn/datasources/filter_data_source.h"
 #include "mox/zyn/datasources/manage_filter_data_source.h"
 #include "mox/zyn/datasources/sql_data_source.h"
@@ -106,16 +107,115 @@ void addSqlSource(DefinitionView& view, moxSQLDataSource const& source) {
   }
 }
 
+std::string conditionKind(moxFilterDataSourceSpec::Tipos kind) {
+  switch (kind) {
+    case moxFilterDataSourceSpec::kValor:
+      return "values";
+    case moxFilterDataSourceSpec::kSql:
+      return "statement";
+    case moxFilterDataSourceSpec::kSemFiltro:
+      break;
+  }
+  return "none";
+}
+
+ConditionView conditionView(moxFilterDataSource::ConstSpec const& condition) {
+  // The questions for values and statement change nothing, and are no constant ones all the same.
+  auto const spec = std::const_pointer_cast<moxFilterDataSourceSpec>(condition);
+  auto const ids = spec->getIds();
+  return {.kind = conditionKind(spec->getTipo()),
+          .column = spec->getColumnOrigin(),
+          .filter = spec->getPluginFilter(),
+          .values = {ids.begin(), ids.end()},
+          .statement = spec->getSQL()};
+}
+
+FilterSourceView filterSourceView(moxFilterDataSource const& source) {
+  FilterSourceView view;
+  view.source = source.getDataSourceName();
+  for (auto const& [name, text] : {std::pair("join", source.getSQLJoin()),
+                                   {"where", source.getSQLWhere()},
+                                   {"group", source.getSQLGroup()},
+                                   {"order", source.getSQLOrder()}}) {
+    if (!text.empty()) {
+      view.texts.emplace_back(name, text);
+    }
+  }
+  view.replacesColumns = source.getTipoRetornoSelect() == moxFilterDataSource::kSubstitui;
+  for (auto const& column : source.columns()) {
+    view.columns.push_back(columnView(*column, {}));
+  }
+  for (auto const& condition : source.getFiltersSpec()) {
+    view.conditions.push_back(conditionView(condition));
+  }
+  return view;
+}
+
+std::vector<GovernedView> governedViews(moxManageFilterDataSource const& manager) {
+  std::vector<GovernedView> views;
+  for (auto const& governed : manager.getSources()) {
+    GovernedView view{.source = governed.name, .offered = {}, .related = {}};
+    for (auto const& offered : governed.avaliable) {
+      view.offered.push_back(offered.filterName);
+    }
+    for (auto const& related : governed.related) {
+      view.related.push_back({.filter = related.filterNameRelac,
+                              .column = {related.tableNameOrigin, related.columnNameOrigin,
+                                         related.tableName, related.columnName}});
+    }
+    views.push_back(std::move(view));
+  }
+  return views;
+}
+
+void addDefect(DefinitionView& view, std::string const& defect) {
+  std::pair<std::string, std::string> const setting("defect", defect);
+  if (std::ranges::find(view.settings, setting) == view.settings.end()) {
+    view.settings.push_back(setting);
+  }
+}
+
+void addGroup(DefinitionView& view, moxGroupDataSource const& group, ViewTrail& trail) {
+  view.group = groupView(group, trail);
+  for (auto const& defect : groupDefects(group)) {
+    addDefect(view, defect);
+  }
+}
+
+/// Runs `add`. What a broken definition cannot tell is told as its defect: it is then looked at to
+/// see what it misses.
+template <class Add>
+void addOrTellDefect(DefinitionView& view, Add const& add) {
+  try {
+    add();
+  } catch (moxError const& error) {
+    addDefect(view, error.errorMessage());
+  }
+}
+
+void addPlainColumns(DefinitionView& view, moxDataSource const& source) {
+  for (auto const& [name, type] : source.getColumns()) {
+    view.columns.push_back({.name = name,
+                            .type = typeWord(type),
+                            .heading = {},
+                            .origin = {},
+                            .expression = {},
+                            .formatter = {},
+                            .roles = {}});
+  }
+}
+
 /// Each source in the tree with what it reads, once.
 class TreeMaker {
  public:
   DependencyView tree(moxDataSource const& source) {
     DependencyView view{.name = source.getName(), .className = source.name(), .dependencies = {}};
     view.repeated = !met_.insert(&source).second;
-    if (!view.repeated && depth_ < kDeepest) {
-      ++depth_;
+    view.ring = std::ranges::find(above_, &source) != above_.end();
+    if (!view.repeated && above_.size() < kDeepest) {
+      above_.push_back(&source);
       view.dependencies = below(source);
-      --depth_;
+      above_.pop_back();
     }
     return view;
   }
@@ -129,23 +229,28 @@ class TreeMaker {
   }
 
  private:
-  static constexpr int kDeepest = 64;  // of sources that can be run
+  static constexpr std::size_t kDeepest = 64;  // of sources that can be run
 
   std::set<moxDataSource const*> met_;
-  int depth_ = 0;
+  std::vector<moxDataSource const*> above_;
 };
 
 }  // namespace
 
 void addSource(DefinitionView& view, moxDataSource const& source) {
+  ViewTrail trail;
+  addSource(view, source, trail);
+}
+
+void addSource(DefinitionView& view, moxDataSource const& source, ViewTrail& trail) {
   if (auto const* const sql = dynamic_cast<moxSQLDataSource const*>(&source)) {
     addSqlSource(view, *sql);
   } else if (auto const* const filter = dynamic_cast<moxFilterDataSource const*>(&source)) {
-    view.settings.emplace_back("changes", filter->getDataSourceName());
+    view.filterSource = filterSourceView(*filter);
   } else if (auto const* const manager = dynamic_cast<moxManageFilterDataSource const*>(&source)) {
-    for (auto const& governed : manager->getSources()) {
-      view.settings.emplace_back("governs", governed.name);
-    }
+    view.governed = governedViews(*manager);
+  } else if (auto const* const group = dynamic_cast<moxGroupDataSource const*>(&source)) {
+    addGroup(view, *group, trail);
   }
   addColumns(view, source);
   view.dependencies = dependencyTree(source).dependencies;
@@ -155,17 +260,9 @@ void addColumns(DefinitionView& view, moxDataSource const& source) {
   if (auto const* const sql = dynamic_cast<moxSQLDataSource const*>(&source)) {
     addSqlColumns(view, *sql);
   } else {
-    for (auto const& [name, type] : source.getColumns()) {
-      view.columns.push_back({.name = name,
-                              .type = typeWord(type),
-                              .heading = {},
-                              .origin = {},
-                              .expression = {},
-                              .formatter = {},
-                              .roles = {}});
-    }
+    addOrTellDefect(view, [&] { addPlainColumns(view, source); });
   }
-  addFilters(view, source);
+  addOrTellDefect(view, [&] { addFilters(view, source); });
 }
 
 DependencyView dependencyTree(moxDataSource const& source) {

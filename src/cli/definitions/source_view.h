@@ -1,12 +1,16 @@
 #pragma once
 
 #include "cli/definitions/definition_view.h"
+#include "cli/definitions/group_view.h"
 #include "mox/zyn/datasources/data_source.h"
 
 namespace mox::cli {
 
 /// Adds all that a source tells of itself, and what it reads.
 void addSource(DefinitionView& view, moxDataSource const& source);
+
+/// The same for a source inside others.
+void addSource(DefinitionView& view, moxDataSource const& source, ViewTrail& trail);
 
 /// Adds a source's columns and filters only.
 void addColumns(DefinitionView& view, moxDataSource const& source);

@@ -1,100 +1,35 @@
 #include "cli/definitions/view_json.h"
-#include "cli/output/json_writer.h"
+
+#include "cli/definitions/json_document.h"
 
 namespace mox::cli {
 
 namespace {
 
-class TextSink : public ByteSink {
- public:
-  void write(std::string_view bytes) override { text += bytes; }
-
-  std::string text;
-};
-
-/// Objects and arrays over lines, two blanks a level.
-class Writer {
- public:
-  void open(char bracket) {
-    separate();
-    out_.append(bracket);
-    ++level_;
-    isFirst_ = true;
-  }
-
-  void close(char bracket) {
-    --level_;
-    if (!isFirst_) {
-      newLine();
-    }
-    out_.append(bracket);
-    isFirst_ = false;
-  }
-
-  void key(std::string_view name) {
-    separate();
-    writeJsonText(out_, name);
-    out_.append(": ");
-    hasKey_ = true;
-  }
-
-  void text(std::string_view value) {
-    separate();
-    writeJsonText(out_, value);
-  }
-
-  void member(std::string_view name, std::string_view value) {
-    key(name);
-    text(value);
-  }
-
-  void member(std::string_view name, bool value) {
-    key(name);
-    separate();
-    out_.append(value ? "true" : "false");
-  }
-
-  std::string take() {
-    out_.append('\n');
-    out_.flush();
-    return std::move(sink_.text);
-  }
-
- private:
-  /// A value behind its key stands in the key's line.
-  void separate() {
-    if (!hasKey_ && level_ > 0) {
-      out_.append(isFirst_ ? "" : ",");
-      newLine();
-    }
-    isFirst_ = false;
-    hasKey_ = false;
-  }
-
-  void newLine() {
-    out_.append('\n');
-    out_.pad(2 * level_);
-  }
-
-  TextSink sink_;
-  OutputBuffer out_{sink_};
-  int level_ = 0;
-  bool isFirst_ = true;
-  bool hasKey_ = false;
-};
-
-void write(Writer& out, std::string const& text) {
+void write(JsonDocument& out, std::string const& text) {
   out.text(text);
 }
 
-void write(Writer& out, ColumnView const& column);
-void write(Writer& out, FilterView const& filter);
-void write(Writer& out, OrderView const& order);
-void write(Writer& out, RelationView const& relation);
-void write(Writer& out, DependencyView const& dependency);
+using Column = moxSQLDataSourceColumn::SQLColum;
+
+void write(JsonDocument& out, int number) {
+  out.number(number);
+}
+
+void write(JsonDocument& out, ColumnView const& column);
+void write(JsonDocument& out, FilterView const& filter);
+void write(JsonDocument& out, OrderView const& order);
+void write(JsonDocument& out, RelationView const& relation);
+void write(JsonDocument& out, DependencyView const& dependency);
+void write(JsonDocument& out, ConditionView const& condition);
+void write(JsonDocument& out, GovernedView const& governed);
+void write(JsonDocument& out, RelatedFilterView const& related);
+void write(JsonDocument& out, WireView const& wire);
+void write(JsonDocument& out, MemberView const& member);
+void write(JsonDocument& out, DefinitionView const& view);
 
 template <class T>
-void writeList(Writer& out, std::string_view name, std::vector<T> const& list) {
+void writeList(JsonDocument& out, std::string_view name, std::vector<T> const& list) {
   out.key(name);
   out.open('[');
   for (auto const& element : list) {
@@ -103,7 +38,32 @@ void writeList(Writer& out, std::string_view name, std::vector<T> const& list) {
   out.close(']');
 }
 
-void write(Writer& out, ColumnView const& column) {
+/// Pairs as objects in a list, since a name may be there several times.
+void writePairs(JsonDocument& out, std::string_view name,
+                std::vector<std::pair<std::string, std::string>> const& pairs,
+                std::string_view firstKey, std::string_view secondKey) {
+  out.key(name);
+  out.open('[');
+  for (auto const& [first, second] : pairs) {
+    out.open('{');
+    out.member(firstKey, first);
+    out.member(secondKey, second);
+    out.close('}');
+  }
+  out.close(']');
+}
+
+void writeReference(JsonDocument& out, Column const& column) {
+  out.key("column");
+  out.open('{');
+  out.member("table", column.tableName);
+  out.member("column", column.columnName);
+  out.member("table_origin", column.tableNameOrigin);
+  out.member("column_origin", column.columnNameOrigin);
+  out.close('}');
+}
+
+void write(JsonDocument& out, ColumnView const& column) {
   out.open('{');
   out.member("name", column.name);
   out.member("type", column.type);
@@ -116,7 +76,7 @@ void write(Writer& out, ColumnView const& column) {
   out.close('}');
 }
 
-void write(Writer& out, FilterView const& filter) {
+void write(JsonDocument& out, FilterView const& filter) {
   out.open('{');
   out.member("kind", filter.kind);
   out.member("column", filter.column);
@@ -126,14 +86,14 @@ void write(Writer& out, FilterView const& filter) {
   out.close('}');
 }
 
-void write(Writer& out, OrderView const& order) {
+void write(JsonDocument& out, OrderView const& order) {
   out.open('{');
   out.member("column", order.column);
   out.member("descending", order.descending);
   out.close('}');
 }
 
-void write(Writer& out, RelationView const& relation) {
+void write(JsonDocument& out, RelationView const& relation) {
   out.open('{');
   out.member("column", relation.column);
   out.member("source", relation.source);
@@ -141,44 +101,157 @@ void write(Writer& out, RelationView const& relation) {
   out.close('}');
 }
 
-void write(Writer& out, DependencyView const& dependency) {
+void write(JsonDocument& out, DependencyView const& dependency) {
   out.open('{');
   out.member("name", dependency.name);
   out.member("class", dependency.className);
   out.member("repeated", dependency.repeated);
+  out.member("ring", dependency.ring);
   writeList(out, "reads", dependency.dependencies);
   out.close('}');
 }
 
-/// A list, since a name may be there several times.
-void writeSettings(Writer& out, DefinitionView const& view) {
-  out.key("settings");
-  out.open('[');
-  for (auto const& [name, value] : view.settings) {
-    out.open('{');
-    out.member("name", name);
-    out.member("value", value);
-    out.close('}');
-  }
-  out.close(']');
+void write(JsonDocument& out, ConditionView const& condition) {
+  out.open('{');
+  out.member("kind", condition.kind);
+  writeReference(out, condition.column);
+  out.member("filter", condition.filter);
+  writeList(out, "values", condition.values);
+  out.member("statement", condition.statement);
+  out.close('}');
 }
 
-}  // namespace
+void write(JsonDocument& out, RelatedFilterView const& related) {
+  out.open('{');
+  out.member("filter", related.filter);
+  writeReference(out, related.column);
+  out.close('}');
+}
 
-std::string jsonText(DefinitionView const& view) {
-  Writer out;
+void write(JsonDocument& out, GovernedView const& governed) {
+  out.open('{');
+  out.member("source", governed.source);
+  writeList(out, "offered", governed.offered);
+  writeList(out, "related", governed.related);
+  out.close('}');
+}
+
+void write(JsonDocument& out, WireView const& wire) {
+  out.open('{');
+  out.member("source", wire.source);
+  writeList(out, "through", wire.through);
+  out.member("target", wire.target);
+  out.member("defect", wire.defect);
+  out.close('}');
+}
+
+void writeRelation(JsonDocument& out, MemberRelationView const& relation) {
+  out.key("relation");
+  out.open('{');
+  writeReference(out, relation.column);
+  out.member("member", relation.member);
+  out.member("member_column", relation.memberColumn);
+  out.member("defect", relation.defect);
+  out.close('}');
+}
+
+void write(JsonDocument& out, MemberView const& member) {
+  out.open('{');
+  out.member("name", member.name);
+  out.member("class", member.className);
+  out.member("external", member.external);
+  out.member("output", member.isOutput);
+  out.member("filter_source", member.isFilterSource);
+  out.member("joins_filter_screen", member.joinsFilterScreen);
+  out.member("repeated", member.repeated);
+  out.member("ring", member.ring);
+  writePairs(out, "inputs", member.inputs, "source", "member");
+  if (member.relation) {
+    writeRelation(out, *member.relation);
+  }
+  writeList(out, "wires", member.wires);
+  writeList(out, "changed_by", member.changedBy);
+  writeList(out, "governed_by", member.governedBy);
+  out.member("defect", member.defect);
+  if (!member.source.empty()) {
+    out.key("definition");
+    write(out, member.source.front());
+  }
+  out.close('}');
+}
+
+void writeSearch(JsonDocument& out, SearchView const& search) {
+  out.key("search");
+  out.open('{');
+  out.member("heading", search.heading);
+  out.member("source", search.source);
+  out.member("auto_fill", search.autoFill);
+  out.member("allow_reorder", search.allowReorder);
+  out.member("require_filter", search.requireFilter);
+  out.member("require_permission", search.requirePermission);
+  out.member("width", static_cast<int>(search.width));
+  out.member("height", static_cast<int>(search.height));
+  writeList(out, "order", search.order);
+  out.close('}');
+}
+
+void writeFilterSource(JsonDocument& out, FilterSourceView const& source) {
+  out.key("changes");
+  out.open('{');
+  out.member("source", source.source);
+  writePairs(out, "texts", source.texts, "name", "text");
+  out.member("replaces_columns", source.replacesColumns);
+  writeList(out, "columns", source.columns);
+  writeList(out, "conditions", source.conditions);
+  out.close('}');
+}
+
+void writeGroup(JsonDocument& out, GroupView const& group) {
+  out.key("group");
+  out.open('{');
+  out.member("output", group.outputSource);
+  out.member("filter_source", group.filterSource);
+  writeList(out, "members", group.members);
+  out.close('}');
+}
+
+/// What only some kinds have.
+void writeParts(JsonDocument& out, DefinitionView const& view) {
+  if (view.search) {
+    writeSearch(out, *view.search);
+  }
+  if (view.filterSource) {
+    writeFilterSource(out, *view.filterSource);
+  }
+  if (view.governed) {
+    writeList(out, "governs", *view.governed);
+  }
+  if (view.group) {
+    writeGroup(out, *view.group);
+  }
+}
+
+void write(JsonDocument& out, DefinitionView const& view) {
   out.open('{');
   out.member("name", view.name);
   out.member("kind", view.kind);
   out.member("class", view.className);
   out.member("library", view.library);
-  writeSettings(out, view);
+  writePairs(out, "settings", view.settings, "name", "value");
   writeList(out, "columns", view.columns);
   writeList(out, "filters", view.filters);
   writeList(out, "order", view.order);
   writeList(out, "relations", view.relations);
+  writeParts(out, view);
   writeList(out, "reads", view.dependencies);
   out.close('}');
+}
+
+}  // namespace
+
+std::string jsonText(DefinitionView const& view) {
+  JsonDocument out;
+  write(out, view);
   return out.take();
 }
 

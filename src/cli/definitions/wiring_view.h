@@ -1,0 +1,33 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "cli/definitions/definition_view.h"
+#include "mox/zyn/datasources/dado_data_source.h"
+#include "mox/zyn/datasources/data_source.h"
+
+namespace mox::cli {
+
+/// A member of a group with the source that the calling thread's session finds for it.
+struct WiredMember {
+  std::shared_ptr<moxDadoDataSource const> member;
+  std::shared_ptr<moxDataSource const> source;  // empty where there is none
+  std::string defect;                           // why the source was not found
+
+  /// The member that stands for what its source calls `name`.
+  std::string memberFor(std::string const& name) const;
+};
+
+/// The members of a group, in order.
+using WiredMembers = std::vector<WiredMember>;
+
+/// Where the member's change goes, or what it passes on: one for a filter source, one for each
+/// governed source of a manager, none for others. As in a run, only members ahead of it are found.
+std::vector<WireView> wiresOf(WiredMembers const& members, std::size_t index);
+
+/// The member's link to another one, if it has one, and what is wrong with it.
+std::optional<MemberRelationView> relationOf(WiredMembers const& members, std::size_t index);
+
+}  // namespace mox::cli
