@@ -1,13 +1,11 @@
 #include "zyn/search/search.h"
 
-#include "mox/core/application.h"
 #include "mox/core/error.h"
 #include "mox/core/xml.h"
 #include "mox/zyn/datasources/group_data_source.h"
 #include "mox/zyn/datasources/sql_data_source.h"
-#include "mox/zyn/frame/plugin_entry.h"
-#include "mox/zyn/items/zyn_cache.h"
 #include "zyn/datasources/column_reference.h"
+#include "zyn/datasources/data_source_look_up.h"
 #include "zyn/search/search_xml.h"
 
 namespace {
@@ -93,14 +91,10 @@ std::shared_ptr<moxDataSource const> moxSE_Search::namedSource() const {
   if (dataSourceExterno_.empty()) {
     throw sourceError(*this, "Fonte de dados externa não definida", "it names no data source");
   }
-  auto const cache = moxApp->get<moxZYNCache>("moxZYNCache");
-  auto const item = cache ? cache->getCollection(dataSourceExterno_) : nullptr;
-  auto source = std::dynamic_pointer_cast<moxDataSource const>(item);
+  auto source = findDataSource(dataSourceExterno_);
   if (!source) {
     throw sourceError(*this, "Fonte de dados externa inválida",
-                      (item ? "no data source, but a " + item->name() + ", is called \""
-                            : "nothing is called \"") +
-                          dataSourceExterno_ + "\"");
+                      "no data source is called \"" + dataSourceExterno_ + "\"");
   }
   return source;
 }

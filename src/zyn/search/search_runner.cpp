@@ -62,6 +62,16 @@ std::vector<int> unitsFor(moxSearch const& search) {
   return user ? user->units() : std::vector<int>();
 }
 
+/// Under which names the filters of a search reach the group's member that gives the rows. Its bare
+/// name does so only where the group's own filters go to it too.
+std::vector<std::string> targetsIn(moxGroupDataSource const& group) {
+  auto const output = group.getOutputSource();
+  if (output == group.getFilterSource()) {
+    return {output};
+  }
+  return {output, group.getName() + "->" + output};
+}
+
 void requireFilter(std::shared_ptr<moxDataMatrixSQLFilter const> const& filter) {
   if (!filter) {
     throw std::invalid_argument("a filter of a search must not be empty");
@@ -128,13 +138,16 @@ void moxSE_Runner::giveFilters(moxDataSourceExecutionContext& context,
     return;
   }
   auto const* const group = dynamic_cast<moxGroupDataSource const*>(&source);
-  auto const sql = group == nullptr ? sqlSource() : nullptr;
-  auto const target = group != nullptr ? group->getOutputSource()
-                      : sql            ? sql->getName()
-                                       : source.getName();
-  for (auto const& filter : filters_) {
-    context.addDataSourceFixedFilter(target, filter);
+  for (auto const& target : group != nullptr ? targetsIn(*group) : targetsOf(source)) {
+    for (auto const& filter : filters_) {
+      context.addDataSourceFixedFilter(target, filter);
+    }
   }
+}
+
+std::vector<std::string> moxSE_Runner::targetsOf(moxDataSource const& source) const {
+  auto const sql = sqlSource();
+  return {sql ? sql->getName() : source.getName()};
 }
 
 std::shared_ptr<moxDataMatrix> moxSE_Runner::inInitialOrder(

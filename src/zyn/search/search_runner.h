@@ -53,6 +53,7 @@ class moxSE_Runner final : public moxSearchRunner {
   std::shared_ptr<moxSQLDataSource const> sqlSource() const;
   std::shared_ptr<moxDataMatrix> run(moxDataSource const& source) const;
   std::shared_ptr<moxDataMatrix> inInitialOrder(std::shared_ptr<moxDataMatrix> matrix) const;
+  std::vector<std::string> targetsOf(moxDataSource const& source) const;
   void giveFilters(moxDataSourceExecutionContext& context, moxDataSource const& source) const;
 
   std::shared_ptr<moxSearch const> search_;
