@@ -37,6 +37,8 @@ MODULE_IMPLEMENTATIONS = {
     "items": {"items", "frame"},
     "format": {"format", "frame"},
     "filters": {"filters", "frame", "items"},
+    "expressions": {"expressions", "frame"},
+    "operations": {"operations", "matrix", "expressions", "frame"},
     "datasources": {"datasources", "frame", "items"},
     "search": {"search", "datasources", "frame", "items"},
 }

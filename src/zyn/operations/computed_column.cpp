@@ -1,0 +1,63 @@
+#include "zyn/operations/computed_column.h"
+
+#include <utility>
+
+#include "mox/core/application.h"
+#include "mox/core/error.h"
+#include "mox/zyn/frame/plugin_entry.h"
+#include "zyn/matrix/data_matrix_columns.h"
+
+namespace {
+
+std::shared_ptr<moxDataMatrixColumn> newColumn(ComputedColumnDefinition const& definition) {
+  bool const isInt = definition.tipo == moxColumnExpression::kInteiro;
+  auto column = makeColumn(isInt ? moxDataMatrixTypes::Int : moxDataMatrixTypes::Double);
+  column->setName(definition.columnName);
+  return column;
+}
+
+}  // namespace
+
+void ComputedColumn::fail() const {
+  throw moxDefaultErrorImpl<moxError>(
+      "Erro ao processar expressão para coluna '" + definition->columnName +
+          "': " + context->getError(),
+      {"Coluna: " + definition->columnName, "Expressão: " + definition->expression});
+}
+
+ComputedColumns::ComputedColumns(moxDataMatrix& matrix, bool convertZeroToNull)
+    : matrix_(matrix),
+      convertZeroToNull_(convertZeroToNull),
+      rows_(matrix.rowCount()),
+      row_(rows_ == 0 ? nullptr : matrix.begin()) {
+  if (row_) {
+    provider_ = std::make_unique<ColumnProvider>(*row_);
+  }
+}
+
+ComputedColumns::~ComputedColumns() {
+  for (ComputedColumn& column : columns_) {
+    column.cells.fillTo(rows_);
+  }
+}
+
+void ComputedColumns::add(ComputedColumnDefinition const& definition) {
+  auto column = newColumn(definition);
+  column->reserve(static_cast<int>(rows_));
+  CellRules const rules(definition.tipo, definition.decimals, definition.operation,
+                        convertZeroToNull_);
+  ComputedCells const cells(*column, rules);
+  columns_.push_back({&definition, column, cells, {}, {}, false});
+  matrix_.addColumn(column);
+  if (row_) {
+    parse(columns_.back());
+  }
+}
+
+void ComputedColumns::parse(ComputedColumn& column) {
+  column.cursor = column.column->begin();
+  row_->addIterator(column.cursor);
+  column.context = moxApp->get<moxExpressionContext>("moxExpressionContext");
+  column.context->addFunctionProvider(provider_.get());
+  column.isParsed = column.context->parse(column.definition->expression);
+}
