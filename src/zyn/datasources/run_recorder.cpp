@@ -4,6 +4,7 @@
 #include <cassert>
 #include <utility>
 
+#include "mox/zyn/datasources/data_source_execution_context.h"
 #include "mox/zyn/sql/data_matrix_sql_filter.h"
 
 namespace {
@@ -20,6 +21,10 @@ bool RunRecorder::executes() const {
 
 void RunRecorder::statement(moxRunStatement statement) {
   sourceAtWork().statements.push_back(std::move(statement));
+}
+
+void RunRecorder::wired(std::string sentence) {
+  sourceAtWork().wiring.push_back(std::move(sentence));
 }
 
 void RunRecorder::filterUsed(Filter const& filter) {
@@ -43,7 +48,11 @@ void RunRecorder::runStarted(RunUnits const& units, std::vector<std::string> con
 void RunRecorder::sourceStarted(std::string const& name, std::string const& executionClass,
                                 bool executes) {
   bool const executesToo = executes || this->executes();
-  report_.sources.push_back({name, executionClass, executesToo, {}, 0, 0});
+  auto& source = report_.sources.emplace_back();
+  source.name = name;
+  source.executionClass = executionClass;
+  source.executed = executesToo;
+  source.depth = static_cast<int>(open_.size());
   open_.push_back({report_.sources.size() - 1, executesToo, name.empty(), Clock::now()});
 }
 
@@ -119,4 +128,9 @@ std::string RunRecorder::whySourceIgnores(std::string const& source) const {
     return "no statement of source " + quoted(source) + " takes it";
   }
   return "source " + quoted(source) + (ran->executed ? " has no statement" : " was not executed");
+}
+
+RunRecorderHolder const* reportOf(moxDataSourceExecutionContext const& context) {
+  auto const* const holder = dynamic_cast<RunRecorderHolder const*>(&context);
+  return holder != nullptr && holder->runRecorder() != nullptr ? holder : nullptr;
 }

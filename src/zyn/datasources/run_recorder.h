@@ -13,6 +13,7 @@
 #include "mox/zyn/datasources/run_report.h"
 
 class moxDataMatrixSQLFilter;
+class moxDataSourceExecutionContext;
 
 /// The business units of a run, and who named them.
 struct RunUnits {
@@ -45,6 +46,10 @@ class RunRecorder {
 
   /// The filter is part of a statement, be it as a condition or as a mark's value.
   void filterUsed(Filter const& filter);
+
+  /// What another source of the run does to the one at work, or its members to each other; or why
+  /// it comes to nothing. A sentence for people.
+  void wired(std::string sentence);
 
   /// Why a source has no use for a filter, in words for people. Counts only for one that no
   /// statement uses; the first reason stands.
@@ -108,3 +113,14 @@ class RunRecorderHolder {
   virtual bool isFixedFilter(std::string const& source,
                              RunRecorder::Filter const& filter) const = 0;
 };
+
+/// The face of a context that keeps a report; null for another one.
+RunRecorderHolder const* reportOf(moxDataSourceExecutionContext const& context);
+
+/// Tells the recorder of that context, if a report is kept, what `sentence()` gives.
+template <class Sentence>
+void recordWiring(moxDataSourceExecutionContext const& context, Sentence const& sentence) {
+  if (auto const* const report = reportOf(context)) {
+    report->runRecorder()->wired(sentence());
+  }
+}

@@ -17,12 +17,6 @@
 
 namespace {
 
-/// Null when no report is kept.
-RunRecorderHolder const* reportOf(moxDataSourceExecutionContext const& context) {
-  auto const* const holder = dynamic_cast<RunRecorderHolder const*>(&context);
-  return holder != nullptr && holder->runRecorder() != nullptr ? holder : nullptr;
-}
-
 /// A filter that served as a token's value is no condition any more. A token that stands twice
 /// takes a second filter of its name along, which would have no mark.
 void takeOutParameters(SQLStatementRun::Filters& filters, std::vector<std::string> const& tokens) {

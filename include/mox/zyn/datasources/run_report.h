@@ -44,6 +44,14 @@ struct moxRunSource {
   std::vector<moxRunStatement> statements;
   std::int64_t rows = 0;  // of its matrix; 0 when there is none
   double seconds = 0;     // from its start to its end
+
+  /// How many groups it runs inside of. The members of a group follow it, in their order.
+  int depth = 0;
+
+  /// Which sources of the run act on each other: of a group, what its filter sources change and its
+  /// managers rule; of a query, the source whose values restrict it. Also what came to nothing, and
+  /// why. Sentences for people.
+  std::vector<std::string> wiring;
 };
 
 /// A filter that was given and that no statement used.
