@@ -67,6 +67,8 @@ class DefinitionRun {
   /// The same, understood by a form; in place of setFilters.
   void setFilterArguments(std::vector<FilterArgument> const& arguments);
 
+  bool filtersAreSet() const { return filtersSet_; }
+
   /// The filters as they went into the run: kept to units where need be.
   std::vector<FilterArgument> const& filters() const { return filters_; }
 

@@ -1,5 +1,6 @@
 #include "zyn/search/search_runner.h"
 
+#include <algorithm>
 #include <array>
 #include <stdexcept>
 
@@ -103,26 +104,50 @@ moxSearch const& moxSE_Runner::requireSearch() const {
 }
 
 void moxSE_Runner::performSql() {
+  performSqlIn(moxApp->get<moxDataSourceExecutionContext>("moxDataSourceExecutionContext"), {});
+}
+
+void moxSE_Runner::performSqlIn(std::shared_ptr<moxDataSourceExecutionContext> context,
+                                std::vector<int> const& units) {
   auto const source = requireSearch().getDataSource();
   if (!source) {
     throw moxDefaultErrorImpl<moxError>(
         "Fonte de dados externa inválida",
         {"search: \"" + search_->description() + "\"", "it has no data source"});
   }
-  auto matrix = inInitialOrder(run(*source));
+  keep(inInitialOrder(run(*source, context, units.empty() ? unitsFor(*search_) : units)));
+}
+
+/// The rows of before stay when the new ones cannot be answered for.
+void moxSE_Runner::keep(std::shared_ptr<moxDataMatrix> matrix) {
   ResultCells cells(*matrix, sqlSource().get());
   matrix_ = std::move(matrix);
   cells_ = std::move(cells);
 }
 
+bool moxSE_Runner::sortRows(std::vector<std::pair<std::string, bool>> const& columns) {
+  auto const isThere = [this](auto const& column) {
+    return matrix_->columnByName(column.first) != nullptr;
+  };
+  if (!matrix_ || !std::all_of(columns.begin(), columns.end(), isThere)) {
+    return false;
+  }
+  auto const sorter = moxApp->get<moxDataMatrixSorter>("moxDataMatrixSorter");
+  for (auto const& [column, descending] : columns) {
+    sorter->pushSortColumn(column, descending);
+  }
+  keep(sorter->transform(matrix_));
+  return true;
+}
+
 /// The source's rows, with the columns as they are declared, whichever way the query gave them.
-std::shared_ptr<moxDataMatrix> moxSE_Runner::run(moxDataSource const& source) const {
+std::shared_ptr<moxDataMatrix> moxSE_Runner::run(
+    moxDataSource const& source, std::shared_ptr<moxDataSourceExecutionContext> const& context,
+    std::vector<int> const& units) const {
   FilterNames const names(filters_);
   auto const name = source.getName();
-  auto const context = moxApp->get<moxDataSourceExecutionContext>("moxDataSourceExecutionContext");
   giveFilters(*context, source);
-  context->processDataSources({}, {{name, {false, source.createExecution()}}}, unitsFor(*search_),
-                              0);
+  context->processDataSources({}, {{name, {false, source.createExecution()}}}, units, 0);
   auto matrix = context->getDataMatrix(name);
   if (!matrix) {
     throw moxDefaultErrorImpl<moxError>("Falha: " + name);

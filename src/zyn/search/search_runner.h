@@ -3,8 +3,10 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "mox/zyn/search/search_run_control.h"
 #include "mox/zyn/search/search_runner.h"
 #include "zyn/search/result_cells.h"
 #include "zyn/search/template_split.h"
@@ -14,7 +16,7 @@ class moxDataSourceExecutionContext;
 class moxSQLDataSource;
 
 /// The engine behind one search screen.
-class moxSE_Runner final : public moxSearchRunner {
+class moxSE_Runner final : public moxSearchRunner, public moxSearchRunControl {
  public:
   std::string name() const override { return "moxSearchRunner"; }
 
@@ -45,15 +47,22 @@ class moxSE_Runner final : public moxSearchRunner {
   void pushFixedFilter(std::shared_ptr<moxDataMatrixSQLFilter const> filter) override;
   std::shared_ptr<moxDataMatrix> getDataMatrix() const override { return matrix_; }
 
+  void performSqlIn(std::shared_ptr<moxDataSourceExecutionContext> context,
+                    std::vector<int> const& units) override;
+  bool sortRows(std::vector<std::pair<std::string, bool>> const& columns) override;
+
   /// As splitTemplate.
   SplitTemplate parse(std::string const& text) const { return splitTemplate(text); }
 
  private:
   moxSearch const& requireSearch() const;
   std::shared_ptr<moxSQLDataSource const> sqlSource() const;
-  std::shared_ptr<moxDataMatrix> run(moxDataSource const& source) const;
+  std::shared_ptr<moxDataMatrix> run(moxDataSource const& source,
+                                     std::shared_ptr<moxDataSourceExecutionContext> const& context,
+                                     std::vector<int> const& units) const;
   std::shared_ptr<moxDataMatrix> inInitialOrder(std::shared_ptr<moxDataMatrix> matrix) const;
   std::vector<std::string> targetsOf(moxDataSource const& source) const;
+  void keep(std::shared_ptr<moxDataMatrix> matrix);
   void giveFilters(moxDataSourceExecutionContext& context, moxDataSource const& source) const;
 
   std::shared_ptr<moxSearch const> search_;
