@@ -9,6 +9,8 @@
 #include "zyn/datasources/filter_data_source_spec.h"
 #include "zyn/datasources/manage_filter_data_source.h"
 #include "zyn/datasources/sql_data_source.h"
+#include "zyn/expressions/expression_context.h"
+#include "zyn/expressions/expression_context_utilities.h"
 #include "zyn/filters/filter_specifications.h"
 #include "zyn/format/date_formatter.h"
 #include "zyn/format/decimal_formatter.h"
@@ -30,6 +32,9 @@
 #include "zyn/matrix/data_matrix_columns.h"
 #include "zyn/matrix/data_matrix_row.h"
 #include "zyn/matrix/data_matrix_sorter.h"
+#include "zyn/operations/data_matrix_expression_processor.h"
+#include "zyn/operations/data_matrix_join.h"
+#include "zyn/operations/data_matrix_union.h"
 #include "zyn/search/search.h"
 #include "zyn/search/search_runner.h"
 #include "zyn/sql/data_matrix_sql_in_filters.h"
@@ -96,6 +101,8 @@ void registerSqlLoading(moxPluginRegistry& registry) {
 
 void registerMatrixOperations(moxPluginRegistry& registry) {
   internal<DataMatrixSorter>(registry, "moxDataMatrixSorter");
+  internal<DataMatrixUnion>(registry, "moxDataMatrixUnion");
+  internal<DataMatrixJoin>(registry, "moxDataMatrixJoin");
 }
 
 void registerFilterSpecifications(moxPluginRegistry& registry) {
@@ -120,6 +127,12 @@ void registerSearchAndProperties(moxPluginRegistry& registry) {
   internal<FormatterProperty>(registry, "FormatterProperty");
 }
 
+void registerExpressions(moxPluginRegistry& registry) {
+  internal<moxExParser::Context>(registry, "moxExpressionContext");
+  internal<moxExParser::ExpressionContextUtilities>(registry, "moxExpressionContextUtilities");
+  internal<DataMatrixExpressionProcessor>(registry, "moxDataMatrixExpressionProcessor");
+}
+
 void registerDataSources(moxPluginRegistry& registry) {
   internal<SQLDataSource>(registry, "moxSQLDataSource");
   internal<DataSourceExecutionContext>(registry, "moxDataSourceExecutionContext");
@@ -138,6 +151,7 @@ void registerModuleClasses(moxPluginRegistry& registry) {
   registerMatrixOperations(registry);
   registerFilterSpecifications(registry);
   registerSearchAndProperties(registry);
+  registerExpressions(registry);
   registerDataSources(registry);
   registry.registerService(std::make_unique<ZYNCLoaderService>());
 }

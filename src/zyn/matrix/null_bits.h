@@ -32,6 +32,34 @@ class NullBits {
     words_.resize(wordsFor(size_), 0);
   }
 
+  /// Adds rows that are null.
+  void pushNulls(std::size_t rows) {
+    while (rows != 0 && size_ % kBitsPerWord != 0) {
+      push(true);
+      --rows;
+    }
+    words_.resize(words_.size() + rows / kBitsPerWord, ~std::uint64_t{0});
+    size_ += rows / kBitsPerWord * kBitsPerWord;
+    for (rows %= kBitsPerWord; rows != 0; --rows) {
+      push(true);
+    }
+  }
+
+  /// Adds the first `rows` rows of `other`, a whole word at a time.
+  void append(NullBits const& other, std::size_t rows) {
+    std::size_t const shift = size_ % kBitsPerWord;
+    std::size_t const last = size_ / kBitsPerWord;
+    words_.resize(wordsFor(size_ + rows), 0);
+    for (std::size_t word = 0; word * kBitsPerWord < rows; ++word) {
+      std::uint64_t const bits = other.words_[word] & maskBelow(rows - word * kBitsPerWord);
+      words_[last + word] |= bits << shift;
+      if (shift != 0 && last + word + 1 < words_.size()) {
+        words_[last + word + 1] |= bits >> (kBitsPerWord - shift);
+      }
+    }
+    size_ += rows;
+  }
+
   /// Replaces all rows; `isNull(row)` tells each, and is asked in ascending order.
   template <class IsNull>
   void assign(std::size_t rows, IsNull isNull) {
@@ -71,6 +99,9 @@ class NullBits {
 
  private:
   static std::size_t wordsFor(std::size_t rows) { return (rows + kBitsPerWord - 1) / kBitsPerWord; }
+  static std::uint64_t maskBelow(std::size_t bits) {
+    return bits >= kBitsPerWord ? ~std::uint64_t{0} : (std::uint64_t{1} << bits) - 1;
+  }
   static std::uint64_t maskOf(std::size_t row) { return std::uint64_t{1} << (row % kBitsPerWord); }
 
   std::vector<std::uint64_t> words_;

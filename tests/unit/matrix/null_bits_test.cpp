@@ -34,6 +34,43 @@ TEST(NullBits, KeepsWhatWasPushed) {
   }
 }
 
+TEST(NullBits, AppendsTheFirstRowsOfOthers) {
+  for (std::size_t const ahead : kSizes) {
+    for (std::size_t const rows : kSizes) {
+      NullBits bits = bitsOf(ahead);
+
+      bits.append(bitsOf(1000), rows);
+      bits.push(true);
+
+      ASSERT_EQ(bits.size(), ahead + rows + 1);
+      for (std::size_t row = 0; row < ahead; ++row) {
+        ASSERT_EQ(bits.test(row), everyThird(row)) << row << " of " << ahead;
+      }
+      for (std::size_t row = 0; row < rows; ++row) {
+        ASSERT_EQ(bits.test(ahead + row), everyThird(row)) << row << " behind " << ahead;
+      }
+      ASSERT_TRUE(bits.test(ahead + rows));
+    }
+  }
+}
+
+TEST(NullBits, PushesNullsBehindAnyNumberOfRows) {
+  for (std::size_t const ahead : kSizes) {
+    for (std::size_t const rows : kSizes) {
+      NullBits bits = bitsOf(ahead);
+
+      bits.pushNulls(rows);
+      bits.push(false);
+
+      ASSERT_EQ(bits.size(), ahead + rows + 1);
+      for (std::size_t row = 0; row < rows; ++row) {
+        ASSERT_TRUE(bits.test(ahead + row)) << row << " behind " << ahead;
+      }
+      ASSERT_FALSE(bits.test(ahead + rows));
+    }
+  }
+}
+
 TEST(NullBits, SetEightSetsTheRowsOfTheMaskAndLeavesTheOthers) {
   NullBits bits = bitsOf(200);
 

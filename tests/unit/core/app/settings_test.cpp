@@ -140,7 +140,7 @@ TEST(Settings, AnUnknownSectionIsRefusedWithTheNearestName) {
 TEST(Settings, AnUnknownSectionLikeNoOtherIsRefusedWithAllNames) {
   EXPECT_EQ(failureOf("[qwertyuiop]\n"),
             "/srv/escola/zyn.toml:1: unknown section [qwertyuiop]; known are: database, modules, "
-            "ZYNCollectionDirs, menu, chart, server, users");
+            "ZYNCollectionDirs, menu, chart, limits, server, users");
 }
 
 TEST(Settings, AnUnknownKeyIsRefusedWithTheNearestName) {

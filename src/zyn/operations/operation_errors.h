@@ -1,0 +1,20 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+class moxDataMatrix;
+class moxDataMatrixColumn;
+
+/// The first column of that name. Throws moxError "Coluna " + name + " não localizada." when the
+/// matrix has none.
+std::shared_ptr<moxDataMatrixColumn> requiredColumn(moxDataMatrix& matrix, std::string const& name);
+
+/// Refuses a result of so many rows with a moxError when that is more than the application allows
+/// ([limits] rows), so that a product of large tables ends in a sentence and not in the end of
+/// memory. Asked before the rows are made.
+void refuseTooManyRows(std::uint64_t rows);
+
+/// The same for the columns of a cross table ([limits] columns).
+void refuseTooManyColumns(std::uint64_t columns);
