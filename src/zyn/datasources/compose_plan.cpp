@@ -4,11 +4,17 @@
 #include <string>
 
 #include "mox/zyn/datasources/data_source_execution.h"
+#include "mox/zyn/datasources/group_data_source.h"
 #include "mox/zyn/datasources/sql_data_source_execution.h"
 
 namespace {
 
 using List = std::vector<moxDataSourceToProcess>;
+
+/// A group reads only what its own members make.
+bool isGroup(moxDataSourceToProcess const& entry) {
+  return dynamic_cast<moxGroupDataSourceExecution const*>(entry.second.second.get()) != nullptr;
+}
 
 moxSQLDataSourceExecution const* sqlExecution(moxDataSourceToProcess const& entry) {
   return dynamic_cast<moxSQLDataSourceExecution const*>(entry.second.second.get());
@@ -33,7 +39,7 @@ void markAll(std::size_t end, std::vector<bool>& needed) {
 }  // namespace
 
 bool hasStatement(moxDataSourceToProcess const& entry) {
-  return sqlExecution(entry) != nullptr;
+  return sqlExecution(entry) != nullptr || isGroup(entry);
 }
 
 std::vector<bool> entriesNeededForStatements(List const& list) {
@@ -44,7 +50,7 @@ std::vector<bool> entriesNeededForStatements(List const& list) {
       if (!filterSource.empty()) {
         markNamed(list, i, filterSource, needed);
       }
-    } else if (needed[i]) {
+    } else if (needed[i] && !isGroup(list[i])) {
       markAll(i, needed);  // what it reads is known to nobody else
       return needed;
     }

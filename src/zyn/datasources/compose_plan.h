@@ -8,5 +8,6 @@
 /// an entry: those whose rows the statement of a later one is made of.
 std::vector<bool> entriesNeededForStatements(std::vector<moxDataSourceToProcess> const& list);
 
-/// Whether the entry can be put together without being executed.
+/// Whether the entry can be put together without being executed. A group passes it on to its
+/// members.
 bool hasStatement(moxDataSourceToProcess const& entry);

@@ -40,3 +40,8 @@ class ManageFilterDataSource;
 
 template <>
 struct PluginPermissionsOf<ManageFilterDataSource> : LabelledAs<"Gerenciador de Filtro"> {};
+
+class GroupDataSource;
+
+template <>
+struct PluginPermissionsOf<GroupDataSource> : LabelledAs<"Grupo"> {};

@@ -1,41 +1,20 @@
 #include "zyn/datasources/sql_data_source_execution.h"
 
-#include <algorithm>
 #include <stdexcept>
 
-#include "mox/core/application.h"
 #include "mox/zyn/datasources/data_source_execution_context.h"
 #include "mox/zyn/datasources/filter_data_source.h"
 #include "mox/zyn/filters/filter_specification.h"
-#include "mox/zyn/format/generic_formatter.h"
-#include "mox/zyn/frame/plugin_entry.h"
 #include "mox/zyn/matrix/data_matrix.h"
+#include "zyn/datasources/offered_filters.h"
 #include "zyn/datasources/related_values.h"
+#include "zyn/datasources/run_recorder.h"
 #include "zyn/datasources/sql_statement_run.h"
 
 namespace {
 
-using ManageFilterData = moxManageFilterDataSource::ManageFilterData;
-using Specification = std::shared_ptr<moxFilterSpecification const>;
-
-bool offers(ManageFilterData const& manager, std::string const& column) {
-  return std::any_of(manager.avaliable.begin(), manager.avaliable.end(),
-                     [&](auto const& entry) { return entry.filterName == column; });
-}
-
-/// Whether the filter source has a condition of its own, or none on purpose, where the user would
-/// give one.
-bool answers(moxFilterDataSource const& filterSource, Specification const& specification) {
-  auto const column = specification->getSQLDataSourceColumn();
-  if (!column) {
-    return false;
-  }
-  auto const conditions = filterSource.getFiltersSpec();
-  return std::any_of(conditions.begin(), conditions.end(), [&](auto const& condition) {
-    auto const origin = condition->getColumnOrigin();
-    return origin.tableName == column->getTableName() &&
-           origin.columnName == column->getColumnName();
-  });
+std::string quoted(std::string const& name) {
+  return "\"" + name + "\"";
 }
 
 }  // namespace
@@ -49,12 +28,41 @@ bool SQLDataSourceExecution::generateDataMatrix(
   SQLStatementRun run(*dataSource_, *context, resultName);
   run.compose(filterSources_);
   run.bind(managers_, context->getDataSourceFilters(resultName));
-  if (auto const filter = createDataSourceFilter(*context)) {
-    run.restrict(filter, relation_.filterDataSource, relation_.columnFilter);
-  }
+  restrict(run, *context);
   run.addFixedConditions(filterSources_);
   run.execute();
   return context->registerDataMatrix(resultName, run.matrix());
+}
+
+void SQLDataSourceExecution::restrict(SQLStatementRun& run,
+                                      moxDataSourceExecutionContext const& context) const {
+  if (relation_.filterDataSource.empty()) {
+    return;
+  }
+  auto const filter = createDataSourceFilter(context);
+  if (filter) {
+    run.restrict(filter, relation_.filterDataSource, relation_.columnFilter);
+  }
+  recordWiring(context, [&] { return filter ? restriction() : whyUnrestricted(context); });
+}
+
+std::string SQLDataSourceExecution::restriction() const {
+  return "restricted by the values of column " + quoted(relation_.columnRelation) + " of " +
+         quoted(relation_.filterDataSource) + ", which its column " +
+         quoted(relation_.columnFilter) + " must be among";
+}
+
+std::string SQLDataSourceExecution::whyUnrestricted(
+    moxDataSourceExecutionContext const& context) const {
+  auto const source = quoted(relation_.filterDataSource);
+  auto const column = quoted(relation_.columnRelation);
+  auto const matrix = context.getDataMatrix(relation_.filterDataSource);
+  if (!matrix) {
+    return "not restricted by " + source + ": there is no matrix of that name ahead of it";
+  }
+  return matrix->columnByName(relation_.columnRelation)
+             ? "not restricted by " + source + ": column " + column + " holds dates or blobs"
+             : "not restricted by " + source + ": it has no column " + column;
 }
 
 void SQLDataSourceExecution::setDataSourceExternalRelation(
@@ -62,24 +70,9 @@ void SQLDataSourceExecution::setDataSourceExternalRelation(
   externalRelations_ = relations;
 }
 
-std::vector<Specification> SQLDataSourceExecution::getFilters() const {
-  auto filters = managers_.empty() ? dataSource_->getFilters() : filtersOfManagers();
-  if (!filterSources_.empty()) {
-    std::erase_if(filters, [this](Specification const& specification) {
-      return answers(*filterSources_.front(), specification);
-    });
-  }
-  return filters;
-}
-
-std::vector<Specification> SQLDataSourceExecution::filtersOfManagers() const {
-  std::vector<Specification> filters;
-  auto const offered = dataSource_->getFilters();
-  for (auto const& manager : managers_) {
-    std::copy_if(offered.begin(), offered.end(), std::back_inserter(filters),
-                 [&](Specification const& filter) { return offers(manager, filter->getColumn()); });
-  }
-  return filters;
+std::vector<std::shared_ptr<moxFilterSpecification const>> SQLDataSourceExecution::getFilters()
+    const {
+  return offeredFilters(dataSource_->getFilters(), managers_, filterSources_);
 }
 
 std::pair<std::string, std::string> SQLDataSourceExecution::getDataSourceFilterRelation() const {

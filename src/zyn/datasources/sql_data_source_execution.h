@@ -8,6 +8,7 @@
 #include "mox/zyn/datasources/sql_data_source.h"
 #include "mox/zyn/datasources/sql_data_source_execution.h"
 
+class SQLStatementRun;
 class moxDataMatrixSQLFilter;
 
 /// The run of one SQL source. Keeps the definition alive; what the run makes goes into the context,
@@ -50,7 +51,9 @@ class SQLDataSourceExecution final : public virtual moxSQLDataSourceExecution {
     std::string columnFilter;    // in this query
   };
 
-  std::vector<std::shared_ptr<moxFilterSpecification const>> filtersOfManagers() const;
+  void restrict(SQLStatementRun& run, moxDataSourceExecutionContext const& context) const;
+  std::string restriction() const;
+  std::string whyUnrestricted(moxDataSourceExecutionContext const& context) const;
 
   mutable Relation relation_;  // all three are set, or none
   std::vector<ManageFilterData> managers_;

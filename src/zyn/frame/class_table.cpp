@@ -3,10 +3,12 @@
 #include <memory>
 
 #include "mox/core/registry.h"
+#include "zyn/datasources/dado_data_source.h"
 #include "zyn/datasources/data_source_execution_context.h"
 #include "zyn/datasources/data_source_label.h"
 #include "zyn/datasources/filter_data_source.h"
 #include "zyn/datasources/filter_data_source_spec.h"
+#include "zyn/datasources/group_data_source.h"
 #include "zyn/datasources/manage_filter_data_source.h"
 #include "zyn/datasources/sql_data_source.h"
 #include "zyn/expressions/expression_context.h"
@@ -139,6 +141,8 @@ void registerDataSources(moxPluginRegistry& registry) {
   internal<FilterDataSource>(registry, "moxFilterDataSource");
   internal<FilterDataSourceSpec>(registry, "moxFilterDataSourceSpec");
   internal<ManageFilterDataSource>(registry, "moxManageFilterDataSource");
+  internal<DadoDataSource>(registry, "moxDadoDataSource");
+  internal<GroupDataSource>(registry, "moxGroupDataSource");
 }
 
 }  // namespace

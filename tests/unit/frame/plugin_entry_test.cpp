@@ -151,7 +151,9 @@ TEST(PluginEntry, ClassesAreRegisteredInTheirOrder) {
                                                          "moxDataSourceExecutionContext",
                                                          "moxFilterDataSource",
                                                          "moxFilterDataSourceSpec",
-                                                         "moxManageFilterDataSource"}));
+                                                         "moxManageFilterDataSource",
+                                                         "moxDadoDataSource",
+                                                         "moxGroupDataSource"}));
 }
 
 TEST(PluginEntry, TheServiceThatLoadsCollectionsIsRegistered) {
