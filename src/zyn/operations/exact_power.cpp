@@ -122,13 +122,16 @@ void roundedPowers<Root>(double const* __restrict bases, double* __restrict resu
 
 template <class Power>
 void powersOf(double const* bases, double* results, std::size_t count) {
+  // Read anew, as compilers take std::pow with a known exponent for a product, which it is not.
+  double const volatile unknown = Power::kExponent;
+  double const exponent = unknown;
   std::uint64_t safe[kBlock];
   for (std::size_t first = 0; first < count; first += kBlock) {
     std::size_t const rows = std::min(kBlock, count - first);
     roundedPowers<Power>(bases + first, results + first, safe, rows);
     for (std::size_t i = 0; i < rows; ++i) {
       if (safe[i] == 0) {
-        results[first + i] = std::pow(bases[first + i], Power::kExponent);
+        results[first + i] = std::pow(bases[first + i], exponent);
       }
     }
   }
