@@ -1,6 +1,7 @@
 #include "cli/explanation_text.h"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <algorithm>
 #include <string_view>
@@ -53,7 +54,11 @@ class TextWriter {
     for (auto const& source : report_.sources) {
       writeSource(++number, source);
     }
+    base_ = 0;
+    writeSearch();
+    writeChanges();
     writeIgnored();
+    writeProblems();
     if (!explanation_.error.empty()) {
       line(0, "");
       labelled("failed", explanation_.error);
@@ -82,8 +87,16 @@ class TextWriter {
   }
 
   void writeSource(int number, moxRunSource const& source) {
+    base_ = 0;
     line(0, "");
+    base_ = static_cast<std::size_t>(std::max(source.depth, 0));
     line(0, fmt::format("{}. {}: {}", number, source.name, outcome(source)));
+    if (!source.wiring.empty()) {
+      line(1, "wiring");
+    }
+    for (auto const& sentence : source.wiring) {
+      line(2, sentence);
+    }
     for (auto const& statement : source.statements) {
       line(1, "statement");
       block(2, statement.sql);
@@ -130,6 +143,57 @@ class TextWriter {
     line(3, "from: " + core::originText(part, report_));
   }
 
+  void writeSearch() {
+    if (!explanation_.search) {
+      return;
+    }
+    auto const& search = *explanation_.search;
+    line(0, "");
+    line(0, "the search " + search.name);
+    line(1, fmt::format("puts the columns in the order {}", fmt::join(search.columns, ", ")));
+    if (!search.problem.empty()) {
+      line(1, "cannot sort: " + search.problem);
+    } else if (search.sortColumn.empty()) {
+      line(1, "leaves the rows in the order of its source");
+    } else {
+      line(1, "sorts by " + search.sortColumn + (search.sortDescending ? ", descending" : ""));
+    }
+  }
+
+  void writeChanges() {
+    if (explanation_.wiring.changes.empty()) {
+      return;
+    }
+    line(0, "");
+    line(0, "what filter sources put into statements");
+    for (auto const& change : explanation_.wiring.changes) {
+      line(1,
+           fmt::format("{} changes {} in the group {}", change.member, change.query, change.group));
+      for (auto const& text : change.texts) {
+        line(2, pieceText(text.piece));
+        block(3, text.text);
+      }
+    }
+  }
+
+  static std::string pieceText(std::string const& piece) {
+    if (piece == "columns") {
+      return "further columns";
+    }
+    return piece == "select" ? "columns in place of the query's" : piece;
+  }
+
+  void writeProblems() {
+    if (explanation_.wiring.problems.empty()) {
+      return;
+    }
+    line(0, "");
+    line(0, "what is wrong in the wiring");
+    for (auto const& problem : explanation_.wiring.problems) {
+      line(1, problem);
+    }
+  }
+
   void writeIgnored() {
     if (report_.ignoredFilters.empty()) {
       return;
@@ -155,7 +219,7 @@ class TextWriter {
   }
 
   void line(std::size_t depth, std::string_view text) {
-    text_.append(text.empty() ? 0 : depth * kIndentWidth, ' ');
+    text_.append(text.empty() ? 0 : (base_ + depth) * kIndentWidth, ' ');
     if (!text.empty()) {
       appendDisplayText(text_, text, kNoWidthLimit);
     }
@@ -164,6 +228,7 @@ class TextWriter {
 
   core::Explanation const& explanation_;
   moxRunReport const& report_;
+  std::size_t base_ = 0;  // how far the source is nested
   std::string text_;
 };
 

@@ -6,7 +6,7 @@
 #include <stdexcept>
 
 #include "core/run/group_members.h"
-#include "core/run/wiring_problems.h"
+#include "core/run/wiring.h"
 #include "mox/core/error_with_details.h"
 #include "mox/core/session.h"
 #include "mox/zyn/datasources/data_source.h"
@@ -30,7 +30,7 @@ using Source = std::shared_ptr<moxDataSource const>;
 /// A failure inside a run, with the definition among its details, and what is wrong in its wiring.
 moxErrorWithDetails runError(moxError const& cause, std::string const& name,
                              moxDataSource const& definition) {
-  auto details = wiringProblems(definition);
+  auto details = readWiring(definition).problems;
   details.push_back("in the definition " + quotedForMessage(name));
   return {cause, {}, details};
 }

@@ -3,7 +3,9 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
+#include "core/run/group_members.h"
 #include "mox/zyn/datasources/sql_data_source.h"
+#include "mox/zyn/search/search.h"
 
 namespace mox::core {
 
@@ -15,6 +17,44 @@ std::string conditionsOf(moxDataSource const& source) {
   return inPieces ? sql->getSQLWhere() : std::string();
 }
 
+/// By the sources' names in the run. Two groups may have members of one name; then nothing is said
+/// of either.
+std::map<std::string, std::string> conditionsBySource(DefinitionRun const& run) {
+  auto sources = namedMembers(run.sources());
+  for (auto const& source : run.sources()) {
+    sources.emplace_back(source->getName(), source);
+  }
+  std::map<std::string, std::string> conditions;
+  for (auto const& [name, source] : sources) {
+    auto const own = conditionsOf(*source);
+    auto const [known, isNew] = conditions.emplace(name, own);
+    if (!isNew && known->second != own) {
+      known->second.clear();
+    }
+  }
+  std::erase_if(conditions, [](auto const& entry) { return entry.second.empty(); });
+  return conditions;
+}
+
+SearchExplanation explainSearch(moxSearch const& search, moxDataSource const& source) {
+  SearchExplanation explanation{.name = search.description(),
+                                .columns = {},
+                                .sortColumn = {},
+                                .sortDescending = !search.getInitialOrderAscending(),
+                                .problem = {}};
+  for (auto const& column : source.getColumns()) {
+    explanation.columns.push_back(column.first);
+  }
+  try {
+    if (auto const column = search.getInitialOrderColumn()) {
+      explanation.sortColumn = column->getColumnName();
+    }
+  } catch (moxError const& error) {
+    explanation.problem = error.errorMessage();
+  }
+  return explanation;
+}
+
 }  // namespace
 
 Explanation explain(DefinitionRun const& run, DefinitionRun::Report kind, std::string error) {
@@ -22,12 +62,12 @@ Explanation explain(DefinitionRun const& run, DefinitionRun::Report kind, std::s
                           .composedOnly = kind == DefinitionRun::Report::kComposeOnly,
                           .filters = run.filters(),
                           .report = run.report(),
-                          .definitionConditions = {},
-                          .error = std::move(error)};
-  for (auto const& source : run.sources()) {
-    if (auto conditions = conditionsOf(*source); !conditions.empty()) {
-      explanation.definitionConditions[source->getName()] = std::move(conditions);
-    }
+                          .definitionConditions = conditionsBySource(run),
+                          .error = std::move(error),
+                          .wiring = readWiring(*run.definition()),
+                          .search = {}};
+  if (run.search()) {
+    explanation.search = explainSearch(*run.search(), *run.definition());
   }
   return explanation;
 }

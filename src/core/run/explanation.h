@@ -1,13 +1,24 @@
 #pragma once
 
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "core/run/definition_run.h"
+#include "core/run/wiring.h"
 #include "mox/zyn/datasources/run_report.h"
 
 namespace mox::core {
+
+/// What a search does to the rows of its source.
+struct SearchExplanation {
+  std::string name;
+  std::vector<std::string> columns;  // the order that they are put in
+  std::string sortColumn;            // empty: the rows stay in the order of the source
+  bool sortDescending = false;
+  std::string problem;  // why the sort column cannot be found; empty
+};
 
 /// Why the result of a run is what it is: what was asked, what was sent, and where each part came
 /// from.
@@ -19,6 +30,8 @@ struct Explanation {
   std::map<std::string, std::string> definitionConditions;  // by source; where the definition keeps
                                                             // them apart from the statement
   std::string error;                                        // why the run failed; empty
+  Wiring wiring;                                            // of the definition's groups
+  std::optional<SearchExplanation> search;                  // when the name is that of a search
 };
 
 /// What a run tells of itself, after it ended or failed.

@@ -32,7 +32,10 @@ class ExplanationWriter {
             {"filters", list(explanation_.filters, &ExplanationWriter::filter)},
             {"sources", list(report_.sources, &ExplanationWriter::source)},
             {"ignoredFilters", list(report_.ignoredFilters, &ExplanationWriter::ignoredFilter)},
-            {"error", textOrNull(explanation_.error)}};
+            {"error", textOrNull(explanation_.error)},
+            {"search", search()},
+            {"filterSources", list(explanation_.wiring.changes, &ExplanationWriter::change)},
+            {"wiringProblems", explanation_.wiring.problems}};
   }
 
  private:
@@ -80,7 +83,9 @@ class ExplanationWriter {
                                          : Json(conditions->second)},
             {"statements", list(source.statements, &ExplanationWriter::statement)},
             {"rows", source.rows},
-            {"seconds", source.seconds}};
+            {"seconds", source.seconds},
+            {"depth", source.depth},
+            {"wiring", source.wiring}};
   }
 
   Json statement(moxRunStatement const& statement) const {
@@ -100,6 +105,30 @@ class ExplanationWriter {
             {"originName", textOrNull(part.originName)},
             {"originText", originText(part, report_)},
             {"values", std::move(values)}};
+  }
+
+  Json search() const {
+    if (!explanation_.search) {
+      return nullptr;
+    }
+    auto const& search = *explanation_.search;
+    bool const sorted = !search.sortColumn.empty();
+    return {{"name", search.name},
+            {"columns", search.columns},
+            {"sortColumn", textOrNull(search.sortColumn)},
+            {"sortDescending", sorted ? Json(search.sortDescending) : Json(nullptr)},
+            {"problem", textOrNull(search.problem)}};
+  }
+
+  Json change(FilterSourceChange const& change) const {
+    return {{"group", change.group},
+            {"member", change.member},
+            {"query", change.query},
+            {"texts", list(change.texts, &ExplanationWriter::changedText)}};
+  }
+
+  Json changedText(FilterSourceChange::Text const& text) const {
+    return {{"piece", text.piece}, {"text", text.text}};
   }
 
   Json ignoredFilter(moxRunIgnoredFilter const& ignored) const {

@@ -28,6 +28,13 @@ std::string memberText(moxDadoDataSource const& member, std::string const& group
          quotedForMessage(group);
 }
 
+/// An editor may have put in an empty one, which counts for nothing.
+std::vector<std::shared_ptr<moxDadoDataSource const>> membersOf(moxGroupDataSource const& group) {
+  auto members = group.dataSources().get();
+  std::erase(members, nullptr);
+  return members;
+}
+
 /// The groups that are being looked into, outermost first.
 class OpenGroups {
  public:
@@ -68,7 +75,7 @@ class MemberCollector {
 
  private:
   void addMembers(moxGroupDataSource const& group) {
-    for (auto const& member : group.dataSources().get()) {
+    for (auto const& member : membersOf(group)) {
       add(sourceOfMember(*member, group.getName()));
     }
   }
@@ -84,7 +91,7 @@ class OfferCollector {
 
   void add(moxGroupDataSource const& group, std::string const& aim) {
     open_.enter(group);
-    for (auto const& member : group.dataSources().get()) {
+    for (auto const& member : membersOf(group)) {
       bool const takesTheGroups = member->getName() == group.getFilterSource();
       if (takesTheGroups || member->getUnificarTelaFiltro()) {
         addMember(*member, *sourceOfMember(*member, group.getName()),
@@ -132,6 +139,20 @@ Source sourceOfMember(moxDadoDataSource const& member, std::string const& group)
     failInvalid(memberText(member, group) + " has no source");
   }
   return source;
+}
+
+std::vector<std::pair<std::string, Source>> namedMembers(SourceList const& sources) {
+  std::vector<std::pair<std::string, Source>> named;
+  for (auto const& source : withMembers(sources)) {
+    auto const group = std::dynamic_pointer_cast<moxGroupDataSource const>(source);
+    if (!group) {
+      continue;
+    }
+    for (auto const& member : membersOf(*group)) {
+      named.emplace_back(member->getName(), sourceOfMember(*member, group->getName()));
+    }
+  }
+  return named;
 }
 
 SourceList withMembers(SourceList const& sources) {

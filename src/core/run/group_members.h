@@ -1,8 +1,8 @@
 #pragma once
 
-#include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "core/run/filter_argument.h"
@@ -20,6 +20,11 @@ using SourceList = std::vector<std::shared_ptr<moxDataSource const>>;
 /// "Fonte de dados externa inválida" for a member without a source that can be found and for a
 /// group that holds itself; its details name both.
 SourceList withMembers(SourceList const& sources);
+
+/// The members of the groups among the sources at any depth, by their names there, in their order;
+/// the members of a group that stands in several places once. Throws as withMembers does.
+std::vector<std::pair<std::string, std::shared_ptr<moxDataSource const>>> namedMembers(
+    SourceList const& sources);
 
 /// The source in force of a member. Throws as withMembers does.
 std::shared_ptr<moxDataSource const> sourceOfMember(moxDadoDataSource const& member,

@@ -105,6 +105,81 @@ TEST(Explanation, TextTellsEverythingInLines) {
             "failed       no such table\n");
 }
 
+/// A group with a query inside, for which a search was named.
+Explanation madeUpGroup() {
+  Explanation explanation;
+  explanation.definition = "Boletim";
+  moxRunSource group;
+  group.name = "Boletim";
+  group.executed = true;
+  group.rows = 2;
+  group.wiring = {"filter source \"Ativos\" changes \"Notas\""};
+  moxRunSource query;
+  query.name = "Notas";
+  query.executed = true;
+  query.rows = 2;
+  query.depth = 1;
+  query.statements.push_back({"select 1", {}, {}});
+  explanation.report.sources = {group, query};
+  explanation.search = SearchExplanation{"Pesquisa", {"id", "nota"}, "nota", true, ""};
+  explanation.wiring.changes = {
+      {"Boletim", "Ativos", "Notas", {{"where", "ativo = 1"}, {"select", "a as b"}}}};
+  explanation.wiring.problems = {"it has two members"};
+  return explanation;
+}
+
+TEST(Explanation, TextNestsMembersAndTellsSearchChangesAndProblems) {
+  EXPECT_EQ(cli::explanationText(madeUpGroup()),
+            "definition   Boletim\n"
+            "units        no units\n"
+            "head office  none\n"
+            "\n"
+            "1. Boletim: 2 rows, 0.0 ms\n"
+            "  wiring\n"
+            "    filter source \"Ativos\" changes \"Notas\"\n"
+            "\n"
+            "  2. Notas: 2 rows, 0.0 ms\n"
+            "    statement\n"
+            "      select 1\n"
+            "\n"
+            "the search Pesquisa\n"
+            "  puts the columns in the order id, nota\n"
+            "  sorts by nota, descending\n"
+            "\n"
+            "what filter sources put into statements\n"
+            "  Ativos changes Notas in the group Boletim\n"
+            "    where\n"
+            "      ativo = 1\n"
+            "    columns in place of the query's\n"
+            "      a as b\n"
+            "\n"
+            "what is wrong in the wiring\n"
+            "  it has two members\n");
+}
+
+TEST(Explanation, TextTellsWhyASearchDoesNotSort) {
+  auto explanation = madeUpGroup();
+  explanation.search->problem = "nada";
+  EXPECT_NE(cli::explanationText(explanation).find("  cannot sort: nada\n"), std::string::npos);
+  explanation.search = SearchExplanation{"Pesquisa", {"id"}, "", true, ""};
+  EXPECT_NE(cli::explanationText(explanation).find("  leaves the rows in the order of its source"),
+            std::string::npos);
+}
+
+TEST(Explanation, JsonTellsSearchNestingChangesAndProblems) {
+  auto const json = Json::parse(explanationJson(madeUpGroup()));
+  EXPECT_EQ(json["search"], Json::parse(R"({"name": "Pesquisa", "columns": ["id", "nota"],
+    "sortColumn": "nota", "sortDescending": true, "problem": null})"));
+  EXPECT_EQ(json["sources"][0]["depth"], 0);
+  EXPECT_EQ(json["sources"][0]["wiring"].size(), 1U);
+  EXPECT_EQ(json["sources"][1]["depth"], 1);
+  EXPECT_EQ(json["filterSources"], Json::parse(R"([{"group": "Boletim", "member": "Ativos",
+    "query": "Notas", "texts": [{"piece": "where", "text": "ativo = 1"},
+    {"piece": "select", "text": "a as b"}]}])"));
+  EXPECT_EQ(json["wiringProblems"], Json::parse(R"(["it has two members"])"));
+  EXPECT_EQ(Json::parse(explanationJson(madeUp()))["search"], nullptr);
+}
+
 TEST(Explanation, TextShowsTheFirstOfManyValues) {
   auto explanation = madeUp();
   explanation.report.sources[0].statements[0].conditions[0].values.assign(25,

@@ -1,4 +1,4 @@
-#include "core/run/wiring_problems.h"
+#include "core/run/wiring.h"
 
 #include <algorithm>
 #include <set>
@@ -21,6 +21,7 @@ using Source = std::shared_ptr<moxDataSource const>;
 
 constexpr std::size_t kMostNestedGroups = 64;
 constexpr std::size_t kMostProblems = 50;  // who reads more of them mends none
+constexpr std::size_t kMostChanges = 10'000;
 
 template <class T>
 bool isA(Source const& source) {
@@ -46,14 +47,21 @@ bool hasColumn(moxDataSource const& source, std::string const& name) {
                      [&](auto const& column) { return column.first == name; });
 }
 
+void addText(FilterSourceChange& change, char const* piece, std::string text) {
+  if (!text.empty()) {
+    change.texts.push_back({piece, std::move(text)});
+  }
+}
+
 /// One group: its members by place, with their sources as far as these can be found.
 class GroupCheck {
  public:
-  GroupCheck(moxGroupDataSource const& group, std::vector<std::string>& problems)
+  GroupCheck(moxGroupDataSource const& group, Wiring& wiring)
       : group_(group),
         groupName_(quotedForMessage(group.getName())),
         members_(group.dataSources().get()),
-        problems_(problems) {
+        wiring_(wiring) {
+    std::erase(members_, nullptr);
     for (auto const& member : members_) {
       sources_.push_back(find(*member));
     }
@@ -78,8 +86,8 @@ class GroupCheck {
   static constexpr std::size_t kNone = static_cast<std::size_t>(-1);
 
   void tell(std::string problem) {
-    if (problems_.size() < kMostProblems) {
-      problems_.push_back(std::move(problem));
+    if (wiring_.problems.size() < kMostProblems) {
+      wiring_.problems.push_back(std::move(problem));
     }
   }
 
@@ -178,20 +186,36 @@ class GroupCheck {
 
   /// Along filter sources that change each other; each step goes to an earlier member, so it ends.
   void checkFilterSource(std::size_t index) {
-    while (isA<moxFilterDataSource>(sources_[index])) {
-      auto const filter = std::dynamic_pointer_cast<moxFilterDataSource const>(sources_[index]);
-      auto const name = nameInGroup(*members_[index], filter->getDataSourceName());
-      auto const place = target(index, "changes", name);
+    std::size_t place = index;
+    while (isA<moxFilterDataSource>(sources_[place])) {
+      auto const filter = std::dynamic_pointer_cast<moxFilterDataSource const>(sources_[place]);
+      place = target(place, "changes", nameInGroup(*members_[place], filter->getDataSourceName()));
       if (place == kNone) {
         return;
       }
-      bool const fits = !sources_[place] || isA<moxSQLDataSource>(sources_[place]) ||
-                        isA<moxFilterDataSource>(sources_[place]);
-      if (!fits) {
-        tell(memberName(index) + " changes the member " + quotedForMessage(name) +
-             ", which is no query");
-      }
-      index = place;
+    }
+    if (isA<moxSQLDataSource>(sources_[place])) {
+      addChange(index, place);
+    } else if (sources_[place]) {
+      tell(memberName(index) + " changes the member " +
+           quotedForMessage(members_[place]->getName()) + ", which is no query");
+    }
+  }
+
+  void addChange(std::size_t index, std::size_t query) {
+    auto const filter = std::dynamic_pointer_cast<moxFilterDataSource const>(sources_[index]);
+    bool const replaces = filter->getTipoRetornoSelect() == moxFilterDataSource::kSubstitui;
+    FilterSourceChange change{.group = group_.getName(),
+                              .member = members_[index]->getName(),
+                              .query = members_[query]->getName(),
+                              .texts = {}};
+    addText(change, replaces ? "select" : "columns", filter->getSelectPlain());
+    addText(change, "join", filter->getSQLJoin());
+    addText(change, "where", filter->getSQLWhere());
+    addText(change, "group", filter->getSQLGroup());
+    addText(change, "order", filter->getSQLOrder());
+    if (wiring_.changes.size() < kMostChanges) {
+      wiring_.changes.push_back(std::move(change));
     }
   }
 
@@ -210,7 +234,7 @@ class GroupCheck {
   std::string groupName_;
   std::vector<Member> members_;
   std::vector<Source> sources_;
-  std::vector<std::string>& problems_;
+  Wiring& wiring_;
 };
 
 class WiringCheck {
@@ -220,7 +244,7 @@ class WiringCheck {
     if (group == nullptr || !seen_.insert(group).second || depth > kMostNestedGroups) {
       return;
     }
-    GroupCheck members(*group, problems);
+    GroupCheck members(*group, wiring);
     members.check();
     for (auto const& member : members.sources()) {
       if (member) {
@@ -229,7 +253,7 @@ class WiringCheck {
     }
   }
 
-  std::vector<std::string> problems;
+  Wiring wiring;
 
  private:
   std::set<moxDataSource const*> seen_;
@@ -237,14 +261,20 @@ class WiringCheck {
 
 }  // namespace
 
-std::vector<std::string> wiringProblems(moxDataSource const& definition) {
+Wiring readWiring(moxDataSource const& definition) {
   WiringCheck check;
+  if (auto const* const filter = dynamic_cast<moxFilterDataSource const*>(&definition)) {
+    check.wiring.problems.push_back(
+        "a filter source changes a statement only as a member of a group; by itself it gives the "
+        "rows of " +
+        quotedForMessage(filter->getDataSourceName()) + " as they are");
+  }
   try {
     check.check(definition, 0);
   } catch (moxError const& error) {
-    check.problems.push_back(error.errorMessage());
+    check.wiring.problems.push_back(error.errorMessage());
   }
-  return check.problems;
+  return check.wiring;
 }
 
 }  // namespace mox::core
