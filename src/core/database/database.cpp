@@ -1,10 +1,11 @@
 #include "core/database/database.h"
 
-#include <stdexcept>
+#include <algorithm>
 #include <utility>
 
 #include "core/database/database_error.h"
 #include "core/database/database_url.h"
+#include "core/database/many_values_statement.h"
 #include "core/database/mariadb_connection.h"
 #include "core/database/sqlite_connection.h"
 #include "core/database/statement_splitter.h"
@@ -21,23 +22,19 @@ ConnectionPool::Opener sqliteOpener(DatabaseUrl const& url,
   return [file = std::move(file)] { return SqliteConnection::open(file); };
 }
 
-ConnectionPool::Opener openerFor(DatabaseOptions const& options) {
-  DatabaseUrl url = parseDatabaseUrl(options.url);
+ConnectionPool::Opener openerFor(DatabaseOptions const& options, DatabaseUrl const& url) {
   if (url.kind == DatabaseUrl::Kind::kSqlite) {
     return sqliteOpener(url, options.baseDirectory);
   }
-  return
-      [url = std::move(url), password = options.password]() -> std::shared_ptr<PhysicalConnection> {
-        return openMariadb(url, password);
-      };
+  return [url, password = options.password]() -> std::shared_ptr<PhysicalConnection> {
+    return openMariadb(url, password);
+  };
 }
 
-StatementBase& baseOf(moxDatabaseConnection::PreparedStatement& statement) {
-  auto* const base = dynamic_cast<StatementBase*>(&statement);
-  if (base == nullptr) {
-    throw std::logic_error("a statement of a line is not derived from StatementBase");
-  }
-  return *base;
+/// A look at the text alone, which spares nearly all statements their lexer.
+bool mayHaveMoreMarks(std::string_view text, std::size_t most) {
+  return text.size() > most &&
+         static_cast<std::size_t>(std::count(text.begin(), text.end(), '?')) > most;
 }
 
 StatementScript scriptOf(std::string const& sql) {
@@ -55,7 +52,13 @@ std::string qualified(std::string const& alias, std::string const& column) {
 }  // namespace
 
 Database::Database(DatabaseOptions const& options)
-    : pool_(openerFor(options)), headOffice_(options.headOffice) {}
+    : Database(options, parseDatabaseUrl(options.url)) {}
+
+Database::Database(DatabaseOptions const& options, DatabaseUrl const& url)
+    : pool_(openerFor(options, url)),
+      manyValues_(url.kind == DatabaseUrl::Kind::kSqlite ? sqliteManyValues()
+                                                         : mariadbManyValues()),
+      headOffice_(options.headOffice) {}
 
 std::shared_ptr<moxDatabaseConnection::PreparedStatement> Database::prepare(
     std::string const& sql, std::string const& extraWhere, std::string const& whereWord) {
@@ -77,17 +80,39 @@ std::shared_ptr<moxDatabaseConnection::PreparedStatement> Database::prepareForUn
   }
   auto statement = prepareScript(std::move(script));
   statement->bindInt(unitMark, headOffice_ ? headOffice_() : 0);
-  baseOf(*statement).sealMarks(unitMark);
+  statement->sealMarks(unitMark);
   return statement;
 }
 
-std::shared_ptr<moxDatabaseConnection::PreparedStatement> Database::prepareScript(
-    StatementScript script) {
+std::shared_ptr<LineStatement> Database::prepareScript(StatementScript script) {
   auto const line = pool_.forThisThread();
   line->ensureUsable();
-  auto statement = line->prepare(std::move(script));
-  baseOf(*statement).setRowObserver(rowObserver());
+  auto statement = prepareOn(line, std::move(script));
+  statement->setRowObserver(rowObserver());
   return statement;
+}
+
+std::shared_ptr<LineStatement> Database::prepareOn(std::shared_ptr<PhysicalConnection> const& line,
+                                                   StatementScript script) const {
+  if (mayHaveMoreMarks(script.main, manyValues_.mostMarks)) {
+    MarkPlaces marks = findMarks(script.main);
+    if (marks.places.size() > manyValues_.mostMarks) {
+      return std::make_shared<ManyValuesStatement>(line, std::move(script), manyValues_,
+                                                   std::move(marks));
+    }
+  }
+  return asLineStatement(line->prepare(std::move(script)));
+}
+
+std::string Database::howSent(std::string const& sql,
+                              std::vector<moxValueKind> const& values) const {
+  if (!mayHaveMoreMarks(sql, manyValues_.mostMarks)) {
+    return {};
+  }
+  MarkPlaces const marks = findMarks(scriptOf(sql).main);
+  auto kinds = values;
+  kinds.resize(marks.places.size(), moxValueKind::kOther);
+  return ValuePlacement(marks, kinds, manyValues_).describe();
 }
 
 void Database::execute(std::string const& sql) {

@@ -7,8 +7,11 @@
 #include <string>
 
 #include "core/database/connection_pool.h"
-#include "core/database/statement_base.h"
+#include "core/database/database_url.h"
+#include "core/database/line_statement.h"
+#include "core/database/value_placement.h"
 #include "mox/core/database_connection.h"
+#include "mox/core/many_values.h"
 
 namespace mox::core {
 
@@ -22,7 +25,7 @@ struct DatabaseOptions {
 /// The application's database: gives every calling thread its own line to it, opened when the
 /// thread first needs it. All operations are safe from any thread; a statement belongs to the
 /// thread that prepared it.
-class Database : public moxDatabaseConnection {
+class Database : public moxDatabaseConnection, public moxManyValues {
  public:
   /// Reads the URL and connects not yet. Throws moxError for a URL that names no known kind of
   /// database or is not complete.
@@ -42,6 +45,9 @@ class Database : public moxDatabaseConnection {
 
   void execute(std::string const& sql) override;
 
+  std::string howSent(std::string const& sql,
+                      std::vector<moxValueKind> const& values) const override;
+
   /// For statements prepared from now on, by any thread. An empty function ends the reports. The
   /// observer is called on the thread that reads the rows.
   void setRowObserver(RowObserver observer);
@@ -51,10 +57,15 @@ class Database : public moxDatabaseConnection {
   void releaseThisThread() noexcept { pool_.releaseThisThread(); }
 
  private:
-  std::shared_ptr<PreparedStatement> prepareScript(StatementScript script);
+  explicit Database(DatabaseOptions const& options, DatabaseUrl const& url);
+
+  std::shared_ptr<LineStatement> prepareScript(StatementScript script);
+  std::shared_ptr<LineStatement> prepareOn(std::shared_ptr<PhysicalConnection> const& line,
+                                           StatementScript script) const;
   RowObserver rowObserver() const;
 
   ConnectionPool pool_;
+  ManyValuesRules const manyValues_;
   std::function<int()> headOffice_;
   mutable std::mutex observerMutex_;
   RowObserver observer_;

@@ -185,7 +185,11 @@ std::string MariadbConnection::queryText(std::string const& sql) {
 }
 
 void MariadbConnection::setUpSession() {
-  std::string const modes = readableModes(queryText("select @@session.sql_mode"));
+  std::string const settings =
+      queryText("select concat(@@session.max_allowed_packet, ' ', @@session.sql_mode)");
+  std::size_t const blank = settings.find(' ');
+  longestPacket_ = std::stoull(settings.substr(0, blank));
+  std::string const modes = readableModes(std::string_view(settings).substr(blank + 1));
   execute("set session autocommit = 1, sql_mode = '" + modes + "'");
   hasSessionState_ = false;
   isInTransaction_ = false;
@@ -325,6 +329,15 @@ void MariadbConnection::noteSessionState(std::string const& sql, bool repeated) 
 /// To be asked after an answer: the client library forgets it together with the line.
 void MariadbConnection::noteTransaction() {
   isInTransaction_ = (mysql_->server_status & SERVER_STATUS_IN_TRANS) != 0;
+}
+
+void MariadbConnection::requireFits(std::size_t bytes, std::string const& sql) const {
+  if (bytes >= longestPacket_) {
+    throw DatabaseError("The statement or its values have " + std::to_string(bytes) +
+                            " bytes, more than the server takes in one go (max_allowed_packet = " +
+                            std::to_string(longestPacket_) + ")",
+                        std::to_string(ER_NET_PACKET_TOO_LARGE), sql);
+  }
 }
 
 void MariadbConnection::fail(MYSQL_STMT* statement, std::string const& sql) {

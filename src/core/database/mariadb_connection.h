@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <memory>
 #include <string>
 #include <vector>
@@ -69,6 +70,10 @@ class MariadbConnection : public PhysicalConnection,
   /// Notes whether the server's last answer left a transaction open.
   void noteTransaction();
 
+  /// Throws moxError when so many bytes are more than the server takes in one go; it would give up
+  /// the line over them.
+  void requireFits(std::size_t bytes, std::string const& sql) const;
+
   /// Throws the failure that the client library reports for the statement, or else for the line.
   /// Notes a lost line. `statement` may be null.
   [[noreturn]] void fail(MYSQL_STMT* statement, std::string const& sql);
@@ -90,6 +95,7 @@ class MariadbConnection : public PhysicalConnection,
   MariadbStatement* reader_ = nullptr;
   std::vector<MYSQL_STMT*> left_;  // let go while the line was in use
   int livingStatements_ = 0;
+  std::size_t longestPacket_ = 0;  // in bytes
   bool lost_ = false;
   bool hasSessionState_ = false;  // temporary tables, variables and the like
   bool isInTransaction_ = false;

@@ -94,6 +94,16 @@ MYSQL_BIND MariadbParameters::bindingOf(Value& value) {
   return binding;
 }
 
+std::size_t MariadbParameters::byteCount() const {
+  // Type, null bit, and a number, a moment or the length of a text.
+  constexpr std::size_t kMostBesideTexts = 16;
+  std::size_t bytes = values_.size() * kMostBesideTexts;
+  for (Value const& value : values_) {
+    bytes += value.isNull != 0 ? 0 : value.bytes.size();
+  }
+  return bytes;
+}
+
 bool MariadbParameters::bind(MYSQL_STMT* statement) {
   if (isBound_ || values_.empty()) {
     return true;

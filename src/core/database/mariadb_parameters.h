@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -27,6 +28,9 @@ class MariadbParameters {
   void set(int position, MarkBytes value) { setBytes(position, MYSQL_TYPE_BLOB, value.bytes); }
   void set(int position, date_t const& value);
   void set(int position, datetime_t const& value);
+
+  /// What the values take on their way to the server, at most.
+  std::size_t byteCount() const;
 
   /// Gives the values to the client library where it does not have them yet. False when it refuses.
   bool bind(MYSQL_STMT* statement);

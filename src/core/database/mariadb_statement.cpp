@@ -9,6 +9,9 @@ namespace {
 
 using FieldType = moxDatabaseConnection::FieldType;
 
+// What the protocol puts ahead of a statement or its values; more than it is.
+constexpr std::size_t kPacketHead = 64;
+
 std::vector<MYSQL_FIELD> resultFields(MYSQL_STMT* handle) {
   std::unique_ptr<MYSQL_RES, decltype(&mysql_free_result)> const description(
       mysql_stmt_result_metadata(handle), &mysql_free_result);
@@ -75,6 +78,7 @@ MariadbStatement::MariadbStatement(std::shared_ptr<MariadbConnection> connection
       connection_(std::move(connection)),
       sql_(std::move(script.main)) {
   runBefore();
+  connection_->requireFits(sql_.size() + kPacketHead, sql_);
   connection_->freeLine();
   handle_ = mysql_stmt_init(connection_->handle());
   if (handle_ == nullptr) {
@@ -121,6 +125,7 @@ std::int64_t MariadbStatement::rowCount() const {
 
 void MariadbStatement::executeMain() {
   connection_->freeLine();
+  connection_->requireFits(parameters_.byteCount() + kPacketHead, sql_);
   connection_->noteSessionState(sql_, false);
   if (!parameters_.bind(handle_) || mysql_stmt_execute(handle_) != 0) {
     connection_->fail(handle_, sql_);

@@ -7,11 +7,13 @@
 #include <new>
 
 #include "core/database/database_error.h"
+#include "core/database/sqlite_bound_list.h"
 #include "core/database/sqlite_error.h"
 #include "core/database/sqlite_functions.h"
 #include "core/database/sqlite_rewriter.h"
 #include "core/database/sqlite_statement.h"
 #include "core/database/statement_splitter.h"
+#include "core/database/value_placement.h"
 
 namespace mox::core {
 namespace {
@@ -98,7 +100,10 @@ void SqliteConnection::configure() {
   sqlite3_db_config(line_, SQLITE_DBCONFIG_ENABLE_FKEY, 1, nullptr);
   sqlite3_limit(line_, SQLITE_LIMIT_SQL_LENGTH, kLongestStatement);
   sqlite3_limit(line_, SQLITE_LIMIT_LENGTH, kLongestValue);
+  sqlite3_limit(line_, SQLITE_LIMIT_VARIABLE_NUMBER,
+                static_cast<int>(sqliteManyValues().mostMarks));
   registerSqliteFunctions(line_);
+  registerSqliteBoundList(line_);
   run("select count(*) from sqlite_schema");
 }
 

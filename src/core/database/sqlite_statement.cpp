@@ -241,7 +241,17 @@ int SqliteStatement::markCount() const {
 // SQLite takes values only between two executions.
 void SqliteStatement::setMark(int position, MarkValue const& value) {
   stopReading();
-  int const status = std::visit(MarkSetter{handle_.get(), position + 1}, value);
+  requireBound(std::visit(MarkSetter{handle_.get(), position + 1}, value));
+}
+
+void SqliteStatement::bindList(int position, std::span<KeptValue const> values) {
+  requirePosition(position, markCount());
+  stopReading();
+  lists_.push_back({values.data(), values.data() + values.size()});
+  requireBound(bindSqliteList(handle_.get(), position + 1, lists_.back()));
+}
+
+void SqliteStatement::requireBound(int status) const {
   if (status != SQLITE_OK) {
     throwSqliteError(line_->handle(), status, text_);
   }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <deque>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -7,6 +8,8 @@
 
 #include "core/database/block_arena.h"
 #include "core/database/cell_statement.h"
+#include "core/database/many_values_statement.h"
+#include "core/database/sqlite_bound_list.h"
 #include "core/database/sqlite_connection.h"
 #include "core/database/sqlite_types.h"
 
@@ -37,12 +40,13 @@ class SqliteCell {
 
 /// A statement of SQLite. It steps to the first row when it is executed, since that row may have to
 /// tell the type of an expression. Binding a value ends the rows of the execution before.
-class SqliteStatement final : public CellStatement<SqliteCell> {
+class SqliteStatement final : public CellStatement<SqliteCell>, public ListBinder {
  public:
   /// `script` is in SQLite's own words. Throws moxError for a text that SQLite refuses.
   SqliteStatement(std::shared_ptr<SqliteConnection> line, StatementScript const& script);
 
   std::int64_t rowCount() const override { return -1; }
+  void bindList(int position, std::span<KeptValue const> values) override;
 
  protected:
   int markCount() const override;
@@ -57,6 +61,7 @@ class SqliteStatement final : public CellStatement<SqliteCell> {
   enum class Rows { kNone, kFirstReady, kMore };
 
   void requirePlainMarks() const;
+  void requireBound(int status) const;
   bool step();
   void describeFields();
   FieldInfo describeField(int index);
@@ -65,6 +70,7 @@ class SqliteStatement final : public CellStatement<SqliteCell> {
 
   std::shared_ptr<SqliteConnection> line_;
   std::string text_;
+  std::deque<SqliteBoundList> lists_;  // SQLite refers to them
   SqliteHandle handle_;
   Rows rows_ = Rows::kNone;
   std::unique_ptr<ResultTypes> resultTypes_;  // made at the first execution that has fields

@@ -2,8 +2,6 @@
 
 #include <utility>
 
-#include "core/database/database_error.h"
-
 namespace mox::core {
 namespace {
 
@@ -156,16 +154,6 @@ StatementBase::FieldInfo const& StatementBase::field(int index) const {
 void StatementBase::throwUnreadable(int index) const {
   field(index);
   throw std::logic_error("a value was read where no row stands");
-}
-
-void StatementBase::requirePosition(int position, int markCount) const {
-  int const open = firstSealed_ < 0 ? markCount : firstSealed_;
-  if (position < 0 || position >= open) {
-    throw DatabaseError("A value was given for position " + std::to_string(position) +
-                            ", but the statement has " + std::to_string(open) +
-                            " marks, counted from 0",
-                        "");
-  }
 }
 
 }  // namespace mox::core

@@ -1,21 +1,15 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
+#include "core/database/line_statement.h"
 #include "core/database/physical_connection.h"
-#include "mox/core/database_connection.h"
-#include "mox/core/row_block_reader.h"
 
 namespace mox::core {
-
-/// Told the rows read so far in the running execution, about every 1024 rows, on the thread that
-/// reads them.
-using RowObserver = std::function<void(std::int64_t rowsSoFar)>;
 
 /// What the statements of every kind of database have in common: the statements that stand before
 /// and after the main one, the checks of positions and indexes, and the report of progress. Belongs
@@ -26,7 +20,7 @@ using RowObserver = std::function<void(std::int64_t rowsSoFar)>;
 /// paired with one run of the statements after: when the last row was read, when a statement
 /// without rows was executed, when the next execution begins, when something failed, or when the
 /// statement is dropped.
-class StatementBase : public moxDatabaseConnection::PreparedStatement, public moxRowBlockReader {
+class StatementBase : public LineStatement {
  public:
   using FieldInfo = moxDatabaseConnection::FieldInfo;
 
@@ -43,12 +37,7 @@ class StatementBase : public moxDatabaseConnection::PreparedStatement, public mo
   int fieldCount() const final { return static_cast<int>(fields_.size()); }
   FieldInfo const& field(int index) const final;
 
-  /// An empty function ends the reports.
-  void setRowObserver(RowObserver observer) { observer_ = std::move(observer); }
-
-  /// Marks from this position on are the framework's own: whoever binds one of them later is
-  /// refused.
-  void sealMarks(int firstSealed) { firstSealed_ = firstSealed; }
+  void setRowObserver(RowObserver observer) final { observer_ = std::move(observer); }
 
  protected:
   /// `connection` must not be empty; `script` without its main statement is what this class runs.
@@ -79,9 +68,6 @@ class StatementBase : public moxDatabaseConnection::PreparedStatement, public mo
   /// Ends the rows of the running execution ahead of their end. The statements after stay owed: to
   /// the next execution, or to the destructor.
   void stopReading();
-
-  /// Throws moxError for a position outside 0 .. markCount-1 or a sealed one.
-  void requirePosition(int position, int markCount) const;
 
   /// Throws std::out_of_range for an index outside the fields, std::logic_error where no row
   /// stands.
@@ -114,7 +100,6 @@ class StatementBase : public moxDatabaseConnection::PreparedStatement, public mo
   RowObserver observer_;
   std::int64_t rowsRead_ = 0;      // in the running execution
   std::int64_t rowsReported_ = 0;  // likewise
-  int firstSealed_ = -1;           // -1: none is sealed
   State state_ = State::kIdle;
   bool afterOwed_ = false;  // the statements before have run, those after have not
   bool fresh_ = false;      // the statements before ran for a preparation that was not executed yet

@@ -191,7 +191,7 @@ TEST_F(SqliteLine, AnInterruptedBlockThrowsInsteadOfBeingShort) {
   auto const statement =
       line->prepare(splitScript("with recursive n (i) as (select 1 union all select i + 1 from n "
                                 "where i < 5000) select i from n"));
-  auto& base = dynamic_cast<StatementBase&>(*statement);
+  auto& base = dynamic_cast<LineStatement&>(*statement);
   base.setRowObserver([&](std::int64_t) { line->interrupt(); });
   statement->execute();
   std::vector<std::int32_t> values(1024);
