@@ -19,5 +19,6 @@ void rewriteStatement(std::string_view bytes);
 void readCollection(std::string_view bytes);
 void readDefinition(std::string_view bytes);
 void readFilter(std::string_view bytes);
+void readExpression(std::string_view bytes);
 
 }  // namespace mox::fuzz

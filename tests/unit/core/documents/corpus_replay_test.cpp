@@ -67,5 +67,9 @@ TEST(FuzzCorpus, FilterArgumentsReplay) {
   EXPECT_GE(replay("filter_argument", readFilter), 10);
 }
 
+TEST(FuzzCorpus, ExpressionsReplay) {
+  EXPECT_GE(replay("expression", readExpression), 30);
+}
+
 }  // namespace
 }  // namespace mox::fuzz
