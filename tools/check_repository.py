@@ -35,12 +35,12 @@ MODULE_IMPLEMENTATIONS = {
     "matrix": {"matrix", "sql"},
     "sql": {"sql", "matrix", "frame"},
     "items": {"items", "frame"},
-    "format": {"format", "frame"},
+    "format": {"format", "frame", "matrix"},
     "filters": {"filters", "frame", "items"},
     "expressions": {"expressions", "frame"},
-    "operations": {"operations", "matrix", "expressions", "frame"},
+    "operations": {"operations", "matrix", "expressions", "format", "frame", "items"},
     "datasources": {"datasources", "frame", "items"},
-    "search": {"search", "datasources", "frame", "items"},
+    "search": {"search", "datasources", "format", "frame", "items"},
 }
 
 INCLUDE = re.compile(r'^\s*#include\s+"([^"]+)"', re.M)

@@ -8,7 +8,7 @@
 
 #include "mox/core/datetime.h"
 #include "mox/zyn/matrix/data_matrix_column.h"
-#include "zyn/search/cell_text.h"
+#include "zyn/format/cell_text.h"
 
 class moxDataMatrix;
 class moxSQLDataSource;
