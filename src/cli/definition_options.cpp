@@ -7,19 +7,6 @@
 
 namespace mox::cli {
 
-namespace {
-
-/// Without units the result would be empty, which nobody expects who forgot an option.
-void demandUnits(core::DefinitionRun const& run, GlobalOptions const& globals,
-                 std::string const& name) {
-  if (globals.user.empty() && globals.units.empty() && run.keepsToUnits()) {
-    throw UsageError("the definition " + core::quotedForMessage(name) +
-                     " keeps to business units; it needs --user or --unit");
-  }
-}
-
-}  // namespace
-
 void addDefinitionOptions(CLI::App& command, DefinitionOptions& options) {
   command.add_option("NAME", options.name, "The definition, by its description")
       ->required()
@@ -35,11 +22,19 @@ void addDefinitionOptions(CLI::App& command, DefinitionOptions& options) {
       ->allow_extra_args(false);
 }
 
+/// Without units the result would be empty, which nobody expects who forgot an option.
+void demandUnits(bool keepsToUnits, GlobalOptions const& globals, std::string const& name) {
+  if (globals.user.empty() && globals.units.empty() && keepsToUnits) {
+    throw UsageError("the definition " + core::quotedForMessage(name) +
+                     " keeps to business units; it needs --user or --unit");
+  }
+}
+
 std::unique_ptr<core::DefinitionRun> prepareRun(Host& host, GlobalOptions const& globals,
                                                 DefinitionOptions const& options) {
   auto run = std::make_unique<core::DefinitionRun>(host.application(),
                                                    host.application().sessions(), options.name);
-  demandUnits(*run, globals, options.name);
+  demandUnits(run->keepsToUnits(), globals, options.name);
   run->setUnits(host.units());
   try {
     run->setFilters(options.filters);

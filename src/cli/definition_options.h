@@ -22,6 +22,9 @@ struct DefinitionOptions {
 /// Adds NAME and `--filter` to a command.
 void addDefinitionOptions(CLI::App& command, DefinitionOptions& options);
 
+/// Throws UsageError where units are needed and nobody named a user or a unit.
+void demandUnits(bool keepsToUnits, GlobalOptions const& globals, std::string const& name);
+
 /// A run of the definition for the units of the host, with the filters set. Throws moxError for an
 /// unknown definition, and UsageError for a wrong filter and where units are needed and nobody
 /// named a user or a unit.

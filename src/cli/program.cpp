@@ -63,9 +63,9 @@ class Program {
     parser_.require_subcommand(0, 1);
     parser_.fallthrough();
     addGlobalOptions();
-    commands_ = {addClassesCommand(parser_), addItemsCommand(parser_),  addShowCommand(parser_),
-                 addPackCommand(parser_),    addUnpackCommand(parser_), addRunCommand(parser_),
-                 addExplainCommand(parser_), addSqlCommand(parser_)};
+    commands_ = {addClassesCommand(parser_), addItemsCommand(parser_),   addShowCommand(parser_),
+                 addPackCommand(parser_),    addUnpackCommand(parser_),  addRunCommand(parser_),
+                 addSearchCommand(parser_),  addExplainCommand(parser_), addSqlCommand(parser_)};
     for (auto const& command : commands_) {
       command.parser->group("Commands");
       command.parser->footer(command.parser->get_footer() +

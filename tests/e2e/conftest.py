@@ -17,7 +17,7 @@ ROOT = pathlib.Path(__file__).resolve().parents[2]
 ZYN = pathlib.Path(os.environ.get("ZYN_BIN") or ROOT / "build/release/bin/zyn").resolve()
 
 # In the order of the help.
-COMMANDS = ["classes", "items", "show", "pack", "unpack", "run", "explain", "sql"]
+COMMANDS = ["classes", "items", "show", "pack", "unpack", "run", "search", "explain", "sql"]
 
 SCHEMA = """
 create table alunos (id int primary key, nome varchar(40), nota double, nascimento date, criado datetime, foto blob,

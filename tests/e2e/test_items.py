@@ -24,23 +24,23 @@ def listing(school, *arguments):
     return [tuple(row.values()) for row in rows]
 
 
-def test_lists_description_kind_and_library_by_description(sqlite_school):
+def test_lists_description_kind_library_and_class_by_description(sqlite_school):
     use_collections(sqlite_school, a=FORMATS, b=PACKS, c=SOURCES)
-    assert sqlite_school.rows("items").splitlines()[0] == "description,kind,library"
+    assert sqlite_school.rows("items").splitlines()[0] == "description,kind,library,class"
     assert listing(sqlite_school) == [
-        ("Alunos", "data-source", "escola"),
-        ("Data", "formatter", "escola"),
-        ("Dinheiro", "formatter", "escola"),
-        ('pacote, com "aspas"', "pack", "escola"),
-        ("Álbum", "pack", "escola"),
+        ("Alunos", "data-source", "escola", "moxSQLDataSource"),
+        ("Data", "formatter", "escola", "moxFormatterZYNItem"),
+        ("Dinheiro", "formatter", "escola", "moxFormatterZYNItem"),
+        ('pacote, com "aspas"', "pack", "escola", "moxZYNPack"),
+        ("Álbum", "pack", "escola", "moxZYNPack"),
     ]
 
 
 def test_lists_nothing_without_collections(sqlite_school):
-    assert sqlite_school.rows("items") == "description,kind,library\n"
+    assert sqlite_school.rows("items") == "description,kind,library,class\n"
     folder = use_collections(sqlite_school)
     folder.rmdir()
-    assert sqlite_school.rows("items") == "description,kind,library\n"
+    assert sqlite_school.rows("items") == "description,kind,library,class\n"
 
 
 @pytest.mark.parametrize(
@@ -67,10 +67,10 @@ def test_unknown_kind_is_wrong_usage(sqlite_school):
 def test_takes_the_forms_of_every_result(sqlite_school):
     use_collections(sqlite_school, a=SOURCES)
     assert json.loads(sqlite_school.rows("items", "--format", "json")) == [
-        {"description": "Alunos", "kind": "data-source", "library": "escola"}
+        {"description": "Alunos", "kind": "data-source", "library": "escola", "class": "moxSQLDataSource"}
     ]
     sqlite_school.rows("items", "--out", "items.csv")
-    assert (sqlite_school.folder / "items.csv").read_text(encoding="utf-8").endswith("\nAlunos,data-source,escola\n")
+    assert (sqlite_school.folder / "items.csv").read_text(encoding="utf-8").endswith("\nAlunos,data-source,escola,moxSQLDataSource\n")
     done = sqlite_school.zyn("items", "--format", "table")
     assert done.stderr == "1 row\n"
 
@@ -101,7 +101,10 @@ def test_elements_that_nobody_knows_are_told_a_line_each(sqlite_school):
 
 def test_two_definitions_of_one_description_are_both_listed(sqlite_school):
     use_collections(sqlite_school, a=SOURCES, b=SOURCES.replace("escola", "outra"))
-    assert listing(sqlite_school) == [("Alunos", "data-source", "escola"), ("Alunos", "data-source", "outra")]
+    assert listing(sqlite_school) == [
+        ("Alunos", "data-source", "escola", "moxSQLDataSource"),
+        ("Alunos", "data-source", "outra", "moxSQLDataSource"),
+    ]
 
 
 def test_a_damaged_collection_is_told_with_its_file_and_place(sqlite_school):
@@ -113,3 +116,17 @@ def test_a_damaged_collection_is_told_with_its_file_and_place(sqlite_school):
         f"The compressed data ends too early.; file: {folder}/a.zcf; noticed at byte {len(whole) - 11} of the "
         "compressed data; the compressed data begins at byte 10 of the file"
     )
+
+
+def test_kinds_that_are_wired_in_groups_are_told_by_their_classes(sqlite_school):
+    wired = """<moxZYNCollection parentLibraryName="escola">
+    <moxFilterDataSource name="a" dataSource="Alunos"/><moxManageFilterDataSource name="b"/>
+    <moxGroupDataSource name="c" outputSource="x"/><moxSearch InternalName="d"/>
+    </moxZYNCollection>"""
+    use_collections(sqlite_school, a=wired)
+    assert listing(sqlite_school) == [
+        ("a", "data-source", "escola", "moxFilterDataSource"),
+        ("b", "data-source", "escola", "moxManageFilterDataSource"),
+        ("c", "data-source", "escola", "moxGroupDataSource"),
+        ("d", "search", "escola", "moxSearch"),
+    ]

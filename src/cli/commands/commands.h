@@ -23,6 +23,7 @@ Command addExplainCommand(CLI::App& program);
 Command addItemsCommand(CLI::App& program);
 Command addPackCommand(CLI::App& program);
 Command addRunCommand(CLI::App& program);
+Command addSearchCommand(CLI::App& program);
 Command addShowCommand(CLI::App& program);
 Command addSqlCommand(CLI::App& program);
 Command addUnpackCommand(CLI::App& program);

@@ -21,12 +21,14 @@ std::shared_ptr<moxDataMatrix> listItems(Host& host, std::string const& kind) {
   auto const description = addTextColumn(host, *matrix, "description");
   auto const kinds = addTextColumn(host, *matrix, "kind");
   auto const library = addTextColumn(host, *matrix, "library");
+  auto const classes = addTextColumn(host, *matrix, "class");
   for (auto const& item : usableDefinitions(host)) {
     auto const word = kindWord(*item);
     if (kind.empty() || word == kind) {
       description->appendValue(item->description());
       kinds->appendValue(word);
       library->appendValue(item->getParentLibName());
+      classes->appendValue(item->name());
     }
   }
   return matrix;

@@ -33,6 +33,9 @@ bool wantsStyles() {
 
 std::string rowsText(ResultTable const& table, unsigned int allRows) {
   std::string_view const noun = allRows == 1 ? "row" : "rows";
+  if (table.firstRow > 0 && table.rowCount == 1) {
+    return fmt::format("row {} of {}", table.endRow(), allRows);
+  }
   if (table.firstRow > 0 && table.rowCount > 0) {
     return fmt::format("rows {} to {} of {}", table.firstRow + 1, table.endRow(), allRows);
   }
@@ -107,8 +110,18 @@ void ResultPrinter::print(moxDataMatrix const& matrix, unsigned int rowLimit,
 }
 
 void ResultPrinter::print(ResultTable const& table, unsigned int allRows) {
+  print([&](OutputBuffer& out) { write(out, table, allRows); });
+}
+
+void ResultPrinter::print(std::function<void(OutputBuffer&)> const& write) {
   TimedSink sink(*target_, writingSeconds_);
   OutputBuffer out(sink);
+  write(out);
+  out.flush();
+  sink.timed([&] { target_->commit(); });
+}
+
+void ResultPrinter::write(OutputBuffer& out, ResultTable const& table, unsigned int allRows) {
   if (isTable()) {
     bool const forTerminal = target_->isTerminal();
     auto const leftOut = writeTable(out, table, {target_->width(), forTerminal && wantsStyles()});
@@ -120,8 +133,6 @@ void ResultPrinter::print(ResultTable const& table, unsigned int allRows) {
   } else {
     writeNdjson(out, table);
   }
-  out.flush();
-  sink.timed([&] { target_->commit(); });
 }
 
 void ResultPrinter::tell() const {

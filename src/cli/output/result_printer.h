@@ -42,6 +42,12 @@ class ResultPrinter {
   /// Writes a table that was made elsewhere, of a result of `allRows` rows. In place of the other.
   void print(ResultTable const& table, unsigned int allRows);
 
+  /// Writes what has a form of its own. In place of the others.
+  void print(std::function<void(OutputBuffer&)> const& write);
+
+  /// "table", "csv", "json" or "ndjson".
+  std::string const& format() const { return format_; }
+
   /// Writes the line about the result, if there is one, to standard error. Called last: by then
   /// nothing else may be written there.
   void tell() const;
@@ -50,6 +56,8 @@ class ResultPrinter {
   double writingSeconds() const { return writingSeconds_; }
 
  private:
+  void write(OutputBuffer& out, ResultTable const& table, unsigned int allRows);
+
   std::unique_ptr<OutputTarget> target_;
   std::string format_;
   bool quiet_;

@@ -12,20 +12,18 @@ namespace mox::cli {
 
 namespace {
 
-using Runner = std::shared_ptr<moxSearchRunner const>;
+using Runner = moxSearchRunner;
 
 /// The cells of a column as the runner shows them.
 class RunnerColumn : public ShownColumn {
  public:
-  RunnerColumn(Runner runner, unsigned int index)
-      : ShownColumn(runner->getDataMatrix()->columnAt(index)),
-        runner_(std::move(runner)),
-        index_(index) {}
+  RunnerColumn(Runner const& runner, unsigned int index)
+      : ShownColumn(runner.getDataMatrix()->columnAt(index)), runner_(runner), index_(index) {}
 
   std::string name() const override { return "zynSearchColumn"; }
 
   std::string getValue(unsigned int row) const override {
-    return runner_->getVisibleValue(row, index_);
+    return runner_.getVisibleValue(row, index_);
   }
 
  protected:
@@ -33,15 +31,15 @@ class RunnerColumn : public ShownColumn {
   unsigned int index() const { return index_; }
 
  private:
-  Runner runner_;
+  Runner const& runner_;
   unsigned int index_;
 };
 
 /// With the icons of the page's rows, all of one width, ahead of the texts.
 class IconColumn final : public RunnerColumn {
  public:
-  IconColumn(Runner runner, unsigned int index, SearchPage page)
-      : RunnerColumn(std::move(runner), index), page_(page) {}
+  IconColumn(Runner const& runner, unsigned int index, SearchPage page)
+      : RunnerColumn(runner, index), page_(page) {}
 
   /// A cell without a value may have an icon all the same.
   bool isNull(unsigned int row) const override {
@@ -57,7 +55,7 @@ class IconColumn final : public RunnerColumn {
 
  private:
   std::string icon(unsigned int row) const {
-    auto const text = runner()->getIcon(row, index());
+    auto const text = runner().getIcon(row, index());
     return text.empty() ? text : "[" + text + "]";
   }
 
@@ -82,19 +80,19 @@ struct Place {
 };
 
 std::optional<Place> placeOf(Runner const& runner, std::string const& name) {
-  int const index = runner->columnIndex(name);
-  auto const count = runner->getDataMatrix()->columnCount();
+  int const index = runner.columnIndex(name);
+  auto const count = runner.getDataMatrix()->columnCount();
   if (index < 0 || static_cast<unsigned int>(index) >= count) {
     return {};
   }
   auto const place = static_cast<unsigned int>(index);
-  return Place{place, runner->getColumn(place)};
+  return Place{place, runner.getColumn(place)};
 }
 
 std::vector<Place> visiblePlaces(Runner const& runner) {
   std::vector<Place> places;
-  for (unsigned int i = 0; i < runner->getDataMatrix()->columnCount(); ++i) {
-    auto const definition = runner->getColumn(i);
+  for (unsigned int i = 0; i < runner.getDataMatrix()->columnCount(); ++i) {
+    auto const definition = runner.getColumn(i);
     if (definition && definition->getVisible()) {
       places.push_back({i, definition});
     }
@@ -123,7 +121,7 @@ std::vector<Place> shownPlaces(Runner const& runner) {
 
 /// A blob has no text of its own.
 std::shared_ptr<moxDataMatrixColumn const> textsOf(Runner const& runner, unsigned int index) {
-  auto column = runner->getDataMatrix()->columnAt(index);
+  auto column = runner.getDataMatrix()->columnAt(index);
   if (column->getType() == moxDataMatrixTypes::Blob) {
     return column;
   }
@@ -132,7 +130,7 @@ std::shared_ptr<moxDataMatrixColumn const> textsOf(Runner const& runner, unsigne
 
 std::shared_ptr<moxDataMatrixColumn const> shownColumn(Runner const& runner, unsigned int index,
                                                        SearchPage page) {
-  if (runner->columnHasIcon(index)) {
+  if (runner.columnHasIcon(index)) {
     return std::make_shared<IconColumn>(runner, index, page);
   }
   return textsOf(runner, index);
@@ -163,7 +161,7 @@ ResultTable searchScreen(Runner const& runner, SearchPage page) {
 
 ResultTable searchValues(Runner const& runner, SearchPage page, bool formatted) {
   auto table = emptyTable(page);
-  auto const& matrix = *runner->getDataMatrix();
+  auto const& matrix = *runner.getDataMatrix();
   table.columns = columnsOf(matrix);
   for (unsigned int i = 0; formatted && i < matrix.columnCount(); ++i) {
     table.columns[i] = textsOf(runner, i);

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <memory>
-
 #include "cli/output/result_table.h"
 #include "mox/zyn/search/search_runner.h"
 
@@ -15,11 +13,11 @@ struct SearchPage {
 
 /// What a search screen shows: the visible columns, with icons ahead of the texts, and behind a
 /// column the key of what it refers to, when that is not shown by itself. A cell is formatted when
-/// it is asked for, so the rows of other pages cost nothing. Belongs to one thread.
-ResultTable searchScreen(std::shared_ptr<moxSearchRunner const> const& runner, SearchPage page);
+/// it is asked for, so the rows of other pages cost nothing. The table reads from the runner, in
+/// its thread and while it lives.
+ResultTable searchScreen(moxSearchRunner const& runner, SearchPage page);
 
 /// All columns under their names: plain values, or what a screen would show of them.
-ResultTable searchValues(std::shared_ptr<moxSearchRunner const> const& runner, SearchPage page,
-                         bool formatted);
+ResultTable searchValues(moxSearchRunner const& runner, SearchPage page, bool formatted);
 
 }  // namespace mox::cli
