@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <string_view>
+#include <utility>
 
 #include "cli/output/display_text.h"
 #include "core/run/explanation.h"
@@ -36,6 +37,41 @@ std::string valuesText(std::vector<moxBoundValue> const& values) {
   return values.size() > kMostValuesShown
              ? text + fmt::format(", and {} more", values.size() - kMostValuesShown)
              : text;
+}
+
+/// The place behind the marks and commas that begin with the mark at `first`, and their number.
+std::pair<std::size_t, std::size_t> marksFrom(std::string_view sql, std::size_t first) {
+  std::size_t end = first + 1;
+  std::size_t count = 1;
+  for (;;) {
+    auto const comma = sql.find_first_not_of(' ', end);
+    auto const next = comma < sql.size() && sql[comma] == ','
+                          ? sql.find_first_not_of(' ', comma + 1)
+                          : std::string_view::npos;
+    if (next >= sql.size() || sql[next] != '?') {
+      return {end, count};
+    }
+    end = next + 1;
+    ++count;
+  }
+}
+
+/// The text without the greater part of its long lists of marks.
+std::string withShortLists(std::string_view sql) {
+  std::string text;
+  while (!sql.empty()) {
+    auto const first = std::min(sql.find('?'), sql.size());
+    text += sql.substr(0, first);
+    sql.remove_prefix(first);
+    if (sql.empty()) {
+      break;
+    }
+    auto const [end, count] = marksFrom(sql, 0);
+    text += count > kMostValuesShown ? fmt::format("?, ?, ... {} marks", count)
+                                     : std::string(sql.substr(0, end));
+    sql.remove_prefix(end);
+  }
+  return text;
 }
 
 std::string trimmed(std::string const& text) {
@@ -99,7 +135,10 @@ class TextWriter {
     }
     for (auto const& statement : source.statements) {
       line(1, "statement");
-      block(2, statement.sql);
+      block(2, withShortLists(statement.sql));
+      if (!statement.sending.empty()) {
+        line(1, statement.sending);
+      }
       writeParameters(statement);
       writeConditions(source, statement);
     }
@@ -131,7 +170,7 @@ class TextWriter {
       line(3, "from: the definition's own text");
     }
     for (auto const& part : statement.conditions) {
-      writePart(part.sql.empty() ? part.column : trimmed(part.sql), part);
+      writePart(part.sql.empty() ? part.column : trimmed(withShortLists(part.sql)), part);
     }
   }
 

@@ -3,12 +3,14 @@
 #include <gmock/gmock.h>
 
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
 
 #include "mox/core/xml.h"
 #include "mox/zyn/datasources/data_source_execution_context.h"
+#include "mox/zyn/datasources/run_report.h"
 #include "mox/zyn/datasources/sql_data_source.h"
 #include "mox/zyn/datasources/sql_data_source_execution.h"
 #include "mox/zyn/sql/data_matrix_sql_in_filters.h"
@@ -211,6 +213,37 @@ TEST_P(SQLSource, OtherSourceWithoutRowsLetsNothingPass) {
   run.context().registerDataMatrix("outra", matrix({{"nome", texts()}}));
   run.execution().setDataSourceFilterRelation("outra", "nome", "a.nome");
   EXPECT_EQ(run.table({})->rowCount(), 0U);
+}
+
+TEST_P(SQLSource, HundredThousandValuesOfAnotherSourceRestrict) {
+  constexpr int kIds = 100'000;
+  SourceRun run(db.url(), kPlain);
+  run.context().setDataSourceFilters("fonte", {run.equals("", "{{p_id}}", 3)});
+  std::vector<std::optional<int>> ids;
+  for (int i = 0; i < kIds; ++i) {
+    ids.emplace_back(4 + i);
+  }
+  run.context().registerDataMatrix("outra", matrix({{"id", ints(ids)}}));
+  run.execution().setDataSourceFilterRelation("outra", "id", "a.id");
+  auto& reporter = dynamic_cast<moxRunReporter&>(run.context());
+  reporter.keepRunReport();
+  EXPECT_THAT(run.table({}), isMatrix({{"id", ints(4)}, {"nome", texts("João")}}));
+  auto const statement = reporter.runReport().sources.at(0).statements.at(0);
+  EXPECT_EQ(statement.conditions.at(0).values.size(), std::size_t{kIds});
+  EXPECT_EQ(statement.sending.rfind("100002 values are more than the ", 0), 0U)
+      << statement.sending;
+}
+
+TEST_P(SQLSource, SeventyThousandTextsOfAnotherSourceRestrict) {
+  SourceRun run(db.url(), kPlain);
+  run.context().setDataSourceFilters("fonte", {run.equals("", "{{p_id}}", 3)});
+  std::vector<std::optional<std::string>> names = {"João"};
+  for (int i = 1; i < 70'000; ++i) {
+    names.emplace_back("nobody " + std::to_string(i));
+  }
+  run.context().registerDataMatrix("outra", matrix({{"nome", texts(names)}}));
+  run.execution().setDataSourceFilterRelation("outra", "nome", "a.nome");
+  EXPECT_THAT(run.table({}), isMatrix({{"id", ints(4)}, {"nome", texts("João")}}));
 }
 
 TEST_P(SQLSource, WrappedStatementIsKeptToTheUnitsByItsResult) {

@@ -91,7 +91,8 @@ class ExplanationWriter {
   Json statement(moxRunStatement const& statement) const {
     return {{"sql", statement.sql},
             {"parameters", list(statement.parameters, &ExplanationWriter::part)},
-            {"conditions", list(statement.conditions, &ExplanationWriter::part)}};
+            {"conditions", list(statement.conditions, &ExplanationWriter::part)},
+            {"sending", textOrNull(statement.sending)}};
   }
 
   Json part(moxRunPart const& part) const {

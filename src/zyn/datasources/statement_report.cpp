@@ -1,7 +1,13 @@
 #include "zyn/datasources/statement_report.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
+#include <vector>
+
+#include "mox/core/application.h"
+#include "mox/core/many_values.h"
+#include "mox/zyn/frame/plugin_entry.h"
 
 namespace {
 
@@ -38,6 +44,47 @@ moxRunPart conditionPart(moxComposedFilter const& composed, Origins const& origi
   return part;
 }
 
+moxValueKind kindOf(moxBoundValue const& value) {
+  switch (value.type) {
+    case moxBoundValue::Type::kNull:
+      return moxValueKind::kNull;
+    case moxBoundValue::Type::kInt:
+      return moxValueKind::kInt;
+    case moxBoundValue::Type::kDouble: {
+      bool const isFinite = value.text.find('n') == std::string::npos;  // neither "inf" nor "nan"
+      return isFinite ? moxValueKind::kDouble : moxValueKind::kOther;
+    }
+    case moxBoundValue::Type::kText:
+      return moxValueKind::kText;
+    case moxBoundValue::Type::kDate:
+    case moxBoundValue::Type::kDateTime:
+    case moxBoundValue::Type::kBlob:
+      break;
+  }
+  return moxValueKind::kOther;
+}
+
+/// In the order of the marks.
+std::vector<moxValueKind> kindsOf(moxRunStatement const& statement) {
+  std::vector<moxValueKind> kinds;
+  for (auto const* const parts : {&statement.parameters, &statement.conditions}) {
+    for (auto const& part : *parts) {
+      std::transform(part.values.begin(), part.values.end(), std::back_inserter(kinds), kindOf);
+    }
+  }
+  return kinds;
+}
+
+/// Only the connection knows how many marks its database takes.
+std::string sendingOf(moxRunStatement const& statement) {
+  auto const kinds = kindsOf(statement);
+  if (kinds.empty()) {
+    return {};
+  }
+  auto const* const connection = dynamic_cast<moxManyValues const*>(&moxApp->databaseConnection());
+  return connection == nullptr ? std::string() : connection->howSent(statement.sql, kinds);
+}
+
 /// A source's own filters come to the run as one list, the program's among the user's.
 moxRunPart ownOrigin(moxRunPart part, StatementFilters::Filter const& filter,
                      RunRecorderHolder const& report, std::string const& source) {
@@ -72,6 +119,7 @@ void recordStatement(RunRecorderHolder const& report, std::string const& source,
   for (auto const& filter : filters.leftOut()) {
     recorder.filterIgnored(filter, "no token of the statement takes its value");
   }
+  statement.sending = sendingOf(statement);
   recorder.statement(std::move(statement));
 }
 

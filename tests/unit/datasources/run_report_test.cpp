@@ -27,7 +27,7 @@ class RunReportTest : public ContextTest {
       if (recorder == nullptr) {
         return context->registerDataMatrix(target, matrix({{"a", ints(1, 2, 3)}}));
       }
-      recorder->statement({sql, {}, {}});
+      recorder->statement({sql, {}, {}, {}});
       if (!filters.empty()) {
         recorder->filterUsed(filters.front());
       }
@@ -131,7 +131,7 @@ TEST_F(RunReportTest, WithoutASessionNothingIsTheSessions) {
 
 TEST_F(RunReportTest, ExceptionLeavesTheReportUpToThere) {
   auto const throwing = [](auto const& context, auto const&) -> bool {
-    recorderOf(*context)->statement({"select broken", {}, {}});
+    recorderOf(*context)->statement({"select broken", {}, {}, {}});
     throw moxDefaultErrorImpl<moxError>("no such table");
   };
   context_->keepRunReport();

@@ -34,6 +34,10 @@ struct moxRunStatement {
   std::string sql;
   std::vector<moxRunPart> parameters;
   std::vector<moxRunPart> conditions;
+
+  /// How the values reach the database when they are more than it takes marks, as the connection
+  /// tells it: a sentence for people. Empty when each has a mark of its own.
+  std::string sending;
 };
 
 /// One source of the run, in the order of running.

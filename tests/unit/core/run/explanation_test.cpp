@@ -59,7 +59,7 @@ Explanation madeUp() {
   Explanation explanation;
   explanation.definition = "Alunos";
   explanation.report.units = {3};
-  moxRunStatement statement{"select a\nfrom t where x = ? and t.a = ? and b is null", {}, {}};
+  moxRunStatement statement{"select a\nfrom t where x = ? and t.a = ? and b is null", {}, {}, {}};
   statement.parameters.push_back({"", "{{x}}", moxRunOrigin::kUnsetParameter, "", {{}}});
   statement.conditions.push_back(
       {"t.a = ? ", "t.a", moxRunOrigin::kUserFilter, "", {{ValueType::kText, "v\x1b[1m"}}});
@@ -119,7 +119,7 @@ Explanation madeUpGroup() {
   query.executed = true;
   query.rows = 2;
   query.depth = 1;
-  query.statements.push_back({"select 1", {}, {}});
+  query.statements.push_back({"select 1", {}, {}, {}});
   explanation.report.sources = {group, query};
   explanation.search = SearchExplanation{"Pesquisa", {"id", "nota"}, "nota", true, ""};
   explanation.wiring.changes = {
@@ -186,6 +186,28 @@ TEST(Explanation, TextShowsTheFirstOfManyValues) {
                                                                           {ValueType::kInt, "1"});
   EXPECT_NE(cli::explanationText(explanation).find("int 1, int 1, and 5 more\n"),
             std::string::npos);
+}
+
+TEST(Explanation, ManyMarksAreShownShortlyAndToldHowTheyAreSent) {
+  auto explanation = madeUp();
+  auto& statement = explanation.report.sources[0].statements[0];
+  std::string list = "?";
+  for (int i = 1; i < 21; ++i) {
+    list += ", ?";
+  }
+  statement.sql = "select a from t where x in (?, ?) and b in (" + list + ") and c = ?";
+  statement.sending = "24 values are more than the 20 marks that the database takes";
+  statement.conditions[0].sql = "b in (" + list + ")";
+  auto const text = cli::explanationText(explanation);
+  EXPECT_NE(
+      text.find("    select a from t where x in (?, ?) and b in (?, ?, ... 21 marks) and c = ?\n"
+                "  24 values are more than the 20 marks that the database takes\n"),
+      std::string::npos)
+      << text;
+  EXPECT_NE(text.find("    b in (?, ?, ... 21 marks)\n"), std::string::npos) << text;
+  auto const json = Json::parse(explanationJson(explanation))["sources"][0]["statements"][0];
+  EXPECT_EQ(json["sql"], statement.sql);
+  EXPECT_EQ(json["sending"], statement.sending);
 }
 
 TEST(Explanation, JsonTellsTheSame) {
