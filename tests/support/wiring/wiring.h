@@ -86,6 +86,7 @@ struct SqlSource {
   bool nullUnits = false;
   std::vector<Output> outputs;
   std::vector<OrderBy> order;
+  int offered = kA;  // column of the filter that the definition offers
 };
 
 struct FixedCondition {

@@ -61,23 +61,33 @@ int integerColumn(Chance& chance) {
   return chance.oneOf<int>({kId, kA, kB, kUnit});
 }
 
-/// `fewest` values at least in a list.
-Condition randomCondition(Chance& chance, int column, int fewest) {
+/// Likely to let many rows pass: a run goes through several of them. A list may be empty where
+/// `mayBeEmpty` says so.
+Condition randomCondition(Chance& chance, int column, bool mayBeEmpty) {
+  using Test = Condition::Test;
   Condition condition;
   condition.column = column;
-  condition.test = static_cast<Condition::Test>(chance.below(column == kText ? 2 : 5));
-  int count = 1;
-  if (condition.test == Condition::kAmong || condition.test == Condition::kNotAmong) {
-    count = fewest + chance.below(4 - fewest);
-  } else if (condition.test == Condition::kBetween) {
-    count = 2;
+  condition.test = column == kText
+                       ? chance.oneOf<Test>({Test::kEquals, Test::kAmong, Test::kAmong})
+                       : chance.oneOf<Test>({Test::kEquals, Test::kAmong, Test::kAmong,
+                                             Test::kNotAmong, Test::kNotAmong, Test::kAtLeast,
+                                             Test::kAtLeast, Test::kBetween, Test::kBetween});
+  if (condition.test == Test::kAmong || condition.test == Test::kNotAmong) {
+    bool const isEmpty = mayBeEmpty && chance.percent(5);
+    int const most = condition.test == Test::kAmong ? 6 : 2;
+    condition.values = valuesOf(chance, column, isEmpty ? 0 : 1 + chance.below(most));
+    return condition;
   }
-  condition.values = valuesOf(chance, column, count);
+  condition.values = valuesOf(chance, column, 2);
+  std::sort(condition.values.begin(), condition.values.end());
+  if (condition.test != Test::kBetween) {
+    condition.values.pop_back();
+  }
   return condition;
 }
 
 Condition statedCondition(Chance& chance) {
-  return randomCondition(chance, chance.below(kColumns), 1);
+  return randomCondition(chance, chance.below(kColumns), false);
 }
 
 /// What earlier filter sources leave room for.
@@ -103,7 +113,7 @@ class Generator {
     wiring.group = group(0, {});
     wiring.given = given_;
     for (int unit = 1; unit <= kUnits; ++unit) {
-      if (chance_.percent(55)) {
+      if (chance_.percent(65)) {
         wiring.units.push_back(unit);
       }
     }
@@ -156,7 +166,7 @@ class Generator {
         member.source = query(queries[name]);
         tables_[name] = queries[name].table;
       }
-    } else if (kind < 75) {
+    } else if (kind < 68) {
       member.source = filterSource(made, queries, member);
     } else {
       member.source = manager(queries, member);
@@ -169,11 +179,12 @@ class Generator {
     source.isPlain = chance_.percent(25);
     source.table = chance_.below(kTables);
     source.byUnits = chance_.percent(40);
+    source.offered = chance_.percent(50) ? kUnit : kA;
     source.nullUnits = chance_.percent(50);
     if (!source.isPlain && chance_.percent(30)) {
       source.join = join(source.table);
     }
-    for (int i = chance_.below(3); i > 0; --i) {
+    for (int i = chance_.percent(50) ? 1 + chance_.below(2) : 0; i > 0; --i) {
       source.anyOf.push_back(statedCondition(chance_));
     }
     if (chance_.percent(30)) {
@@ -251,7 +262,7 @@ class Generator {
     tables_[member.name] = state.table;
     addTexts(filter, state);
     addColumns(filter, state);
-    for (int i = chance_.below(3); i > 0; --i) {
+    for (int i = chance_.percent(50) ? 1 + chance_.below(2) : 0; i > 0; --i) {
       filter.fixed.push_back(fixedCondition());
     }
     return filter;
@@ -311,7 +322,7 @@ class Generator {
     FixedCondition fixed;
     fixed.kind = static_cast<FixedCondition::Kind>(chance_.below(3));
     fixed.column = integerColumn(chance_);
-    fixed.ids = valuesOf(chance_, fixed.column, chance_.percent(10) ? 0 : 1 + chance_.below(4));
+    fixed.ids = valuesOf(chance_, fixed.column, chance_.percent(5) ? 0 : 2 + chance_.below(4));
     fixed.table = chance_.below(kTables);
     fixed.condition = statedCondition(chance_);
     return fixed;
@@ -342,8 +353,8 @@ class Generator {
         made.available.push_back(filterName);
       }
       for (int i = chance_.percent(10) ? 2 : chance_.below(2); i > 0; --i) {
-        made.related.push_back(
-            {filterName, integerColumn(chance_), chance_.percent(60), chance_.percent(70)});
+        made.related.push_back({filterName, chance_.oneOf<int>({kId, kA, kB, kUnit, kUnit}),
+                                chance_.percent(60), chance_.percent(50)});
       }
     }
     if (state.hasToken && !state.tokenBound && chance_.percent(60)) {
@@ -394,7 +405,7 @@ class Generator {
     for (int i = chance_.percent(40) ? 1 + chance_.below(2) : 0; i > 0; --i) {
       auto made = given(path);
       made.table = source.table;
-      made.condition = randomCondition(chance_, chance_.below(kColumns), 0);
+      made.condition = randomCondition(chance_, chance_.below(kColumns), true);
       given_.push_back(made);
     }
     if (source.token && chance_.percent(50)) {
@@ -430,7 +441,7 @@ class Generator {
       } else if (!isForToken && chance_.percent(60)) {
         auto made = given(path);
         made.name = name;
-        made.condition = randomCondition(chance_, kA, 0);
+        made.condition = randomCondition(chance_, kA, true);
         given_.push_back(made);
       }
     }
@@ -449,13 +460,13 @@ Tables randomTables(unsigned seed) {
   Chance chance(seed);
   Tables tables(kTables);
   for (auto& table : tables) {
-    int const rows = chance.percent(8) ? 0 : 1 + chance.below(12);
+    int const rows = chance.percent(4) ? 0 : 1 + chance.below(14);
     for (int id = 1; id <= rows; ++id) {
       std::array<Value, kColumns> row;
       row[kId] = id > 1 && chance.percent(15) ? id - 1 : id;
       for (int const column : {kA, kB, kUnit, kText}) {
         row[static_cast<std::size_t>(column)] =
-            chance.percent(18) ? Value() : Value(valueOf(chance, column));
+            chance.percent(12) ? Value() : Value(valueOf(chance, column));
       }
       table.rows.push_back(row);
     }

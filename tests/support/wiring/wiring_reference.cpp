@@ -97,7 +97,7 @@ class Query {
         }
         auto condition = given->condition;
         condition.column = *related.column;
-        conditions[given] = {condition, related.namesTable || *related.column == kA};
+        conditions[given] = {condition, related.namesTable || *related.column == source_.offered};
       }
       if (source_.token && speaksOf(*ruling.record, mark()) && managed(mark()) != nullptr) {
         tokenValue_ = managed(mark())->condition.values.at(0);

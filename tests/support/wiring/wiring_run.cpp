@@ -306,6 +306,25 @@ std::string differencesAsGroup(TestHost& host, Tables const& tables, Wiring cons
   return compare("the group", context->getDataMatrix(root), evaluateOutput(tables, wiring));
 }
 
+std::string columnsOf(int table) {
+  std::string columns;
+  for (int column = 0; column < kColumns; ++column) {
+    columns += (column == 0 ? "" : ", ") + columnName(table, column) +
+               (column == kText ? " varchar(10)" : " int");
+  }
+  return columns;
+}
+
+std::string valuesOf(std::array<Value, kColumns> const& row) {
+  std::string values;
+  for (int column = 0; column < kColumns; ++column) {
+    auto const text = textOf(row[static_cast<std::size_t>(column)], column);
+    bool const isQuoted = column == kText && text != "null";
+    values += (column == 0 ? "" : ", ") + (isQuoted ? "'" + text + "'" : text);
+  }
+  return values;
+}
+
 std::string failureText(moxError const& error) {
   auto text = error.errorMessage();
   for (auto const& detail : error.errorDetails()) {
@@ -318,23 +337,16 @@ std::string failureText(moxError const& error) {
 
 void makeTables(moxDatabaseConnection& database, Tables const& tables) {
   for (std::size_t i = 0; i < tables.size(); ++i) {
-    int const table = static_cast<int>(i);
-    auto const name = "t" + std::to_string(table);
+    int const number = static_cast<int>(i);
+    auto const name = "t" + std::to_string(number);
     database.execute("drop table if exists " + name);
-    std::string columns;
-    for (int column = 0; column < kColumns; ++column) {
-      columns += (column == 0 ? "" : ", ") + columnName(table, column) +
-                 (column == kText ? " varchar(10)" : " int");
-    }
-    database.execute("create table " + name + " (" + columns + ")");
+    database.execute("create table " + name + " (" + columnsOf(number) + ")");
+    std::string rows;
     for (auto const& row : tables[i].rows) {
-      std::string values;
-      for (int column = 0; column < kColumns; ++column) {
-        auto const text = textOf(row[static_cast<std::size_t>(column)], column);
-        bool const isQuoted = column == kText && text != "null";
-        values += (column == 0 ? "" : ", ") + (isQuoted ? "'" + text + "'" : text);
-      }
-      database.execute("insert into " + name + " values (" + values + ")");
+      rows += (rows.empty() ? "(" : ", (") + valuesOf(row) + ")";
+    }
+    if (!rows.empty()) {  // one statement: a file is written to the disk after each
+      database.execute("insert into " + name + " values " + rows);
     }
   }
 }

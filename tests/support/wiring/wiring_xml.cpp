@@ -109,9 +109,10 @@ std::string orderXml(SqlSource const& source) {
 }
 
 std::string offersXml(SqlSource const& source) {
-  auto const onColumn = element("column", "",
-                                "<moxIntegralInFilter" + attribute("tableName", kAlias) +
-                                    attribute("columnName", outputName(source, kA)) + "/>");
+  auto const onColumn =
+      element("column", "",
+              "<moxIntegralInFilter" + attribute("tableName", kAlias) +
+                  attribute("columnName", outputName(source, source.offered)) + "/>");
   auto const custom =
       source.token ? element("custom", "",
                              "<moxIntegralUniqueFilter" +
