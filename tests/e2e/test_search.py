@@ -251,7 +251,7 @@ def test_units_are_needed_where_rows_belong_to_them(sqlite_school):
     unit = '<unidadeColumn tableName="a" columnName="id_unidade" allownull="0"/>'
     use_collections(
         sqlite_school,
-        "[users.maria]\nid = 7\ndefault_unit = 3\nunits = [3, 4]\nworks_by_units = true\n",
+        "[users.maria]\nid = 7\ndefault_unit = 3\nhead_office = 1\nunits = [3, 4]\nworks_by_units = true\n",
         a=DEFINITIONS.replace("<from>alunos a</from></Command>", f"<from>alunos a</from></Command>{unit}"),
     )
     refusal = sqlite_school.refusal("search", NAME, status=2)

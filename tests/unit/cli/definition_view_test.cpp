@@ -138,8 +138,8 @@ TEST_F(DefinitionViewTest, SourcesThatAreReadStandInATreeAndARingEnds) {
             "└─ reads\n"
             "   ├─ segunda (moxReadingSource)\n"
             "   │  ├─ terceira (moxReadingSource)\n"
-            "   │  │  └─ terceira (moxReadingSource), see above\n"
-            "   │  └─ primeira (moxReadingSource), see above\n"
+            "   │  │  └─ terceira (moxReadingSource), see above: a ring\n"
+            "   │  └─ primeira (moxReadingSource), see above: a ring\n"
             "   └─ terceira (moxReadingSource), see above\n");
 }
 
@@ -240,7 +240,7 @@ TEST(ViewJson, IsReadBackByAnotherReader) {
     "filters": [{"kind": "k", "column": "c", "description": "", "required": true, "control": ""}],
     "order": [{"column": "id", "descending": true}],
     "relations": [{"column": "a", "source": "S", "source_column": "b"}],
-    "reads": [{"name": "S", "class": "moxY", "repeated": false, "reads": []}]
+    "reads": [{"name": "S", "class": "moxY", "repeated": false, "ring": false, "reads": []}]
   })"));
 }
 
