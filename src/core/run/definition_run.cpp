@@ -30,7 +30,13 @@ using Source = std::shared_ptr<moxDataSource const>;
 /// A failure inside a run, with the definition among its details, and what is wrong in its wiring.
 moxErrorWithDetails runError(moxError const& cause, std::string const& name,
                              moxDataSource const& definition) {
-  auto details = readWiring(definition).problems;
+  auto const told = cause.errorDetails();
+  std::vector<std::string> details;
+  for (auto const& problem : readWiring(definition).problems) {
+    if (std::find(told.begin(), told.end(), problem) == told.end()) {
+      details.push_back(problem);
+    }
+  }
   details.push_back("in the definition " + quotedForMessage(name));
   return {cause, {}, details};
 }
