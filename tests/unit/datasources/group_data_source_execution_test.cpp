@@ -2,7 +2,6 @@
 
 #include <stdexcept>
 
-#include "mox/zyn/datasources/filter_data_source.h"
 #include "mox/zyn/matrix/data_matrix.h"
 #include "unit/datasources/context_fixture.h"
 #include "unit/datasources/group_fixture.h"

@@ -1,11 +1,11 @@
 #pragma once
 
-#include <map>
 #include <memory>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "mox/zyn/datasources/filter_data_source.h"
 #include "mox/zyn/datasources/group_data_source.h"
 #include "mox/zyn/datasources/run_report.h"
 #include "mox/zyn/datasources/sql_data_source_execution.h"
@@ -104,7 +104,9 @@ class GroupTest : public DefinitionTest {
   using Filter = std::shared_ptr<moxDataMatrixSQLIntegerInFilter>;
   using ConstMember = std::shared_ptr<moxDadoDataSource const>;
 
-  GroupTest() : context_(newContext()) {
+  GroupTest() : GroupTest(TestHost::kMemoryDatabase) {}
+  explicit GroupTest(std::string const& databaseUrl)
+      : DefinitionTest(databaseUrl), context_(newContext()) {
     auto& database = host_.database();
     database.execute("create table alunos (id int, curso int, unidade int)");
     database.execute(
