@@ -198,17 +198,6 @@ TEST_P(DatabaseStatements, EmptyStatementIsRefused) {
   EXPECT_TRUE(failureOf([&] { db.connection().prepare(" ; -- nothing\n"); }));
 }
 
-TEST_P(DatabaseStatements, TooManyMarksAreTheDatabasesOwnError) {
-  std::string sql = "select 1 from t where n in (?";
-  for (int i = 1; i < 300000; ++i) {
-    sql += ",?";
-  }
-  auto const failure = failureOf([&] { db.connection().prepare(sql + ")"); });
-  ASSERT_TRUE(failure);
-  EXPECT_NE(failure->code, "");
-  EXPECT_NE(failure->message, "");
-}
-
 TEST_P(DatabaseStatements, StatementWithoutRowsHasNoFields) {
   auto const insert = db.query("insert into t values (1, 'x')");
   EXPECT_EQ(insert->fieldCount(), 0);

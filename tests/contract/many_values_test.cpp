@@ -375,6 +375,34 @@ TEST_P(ManyValues, ValuesThatStandInNoListAreRefusedClearly) {
   EXPECT_THAT(failure->message, HasSubstr("65601 would need a mark of their own each"));
 }
 
+TEST_P(ManyValues, ThreeHundredThousandIdsAreNoLimit) {
+  fill(20);
+  auto const statement =
+      amongst("id", 300'000, [](Statement& to, int i) { to.bindInt(i, i + 11); });
+  EXPECT_EQ(readInts(*statement).size(), 10U);
+}
+
+TEST_P(ManyValues, WhatTheServerDoesNotTakeInOneGoIsRefusedBeforeItIsSent) {
+  if (!db.isMariadb()) {
+    GTEST_SKIP() << "SQLite has no packets";
+  }
+  auto const longest = std::stoul(db.value("select @@max_allowed_packet"));
+  auto const line = db.value("select connection_id()");
+  auto const statement = prepared("select length(?)");
+  statement->bindString(0, std::string(longest, 'x'));
+  auto const byValue = failureOf([&] { statement->execute(); });
+  auto const byText =
+      failureOf([&] { prepared("select 1 /*" + std::string(longest, 'x') + "*/, 2"); });
+  for (auto const& failure : {byValue, byText}) {
+    ASSERT_TRUE(failure);
+    EXPECT_EQ(failure->code, "1153");
+    EXPECT_THAT(failure->message,
+                HasSubstr("more than the server takes in one go (max_allowed_packet = " +
+                          std::to_string(longest) + ")"));
+  }
+  EXPECT_EQ(db.value("select connection_id()"), line);
+}
+
 TEST_P(ManyValues, RowsAreReadWhileOthersAreAsked) {
   fill(50);
   auto const statement = amongst("id", kManyIds, [](Statement& to, int i) { to.bindInt(i, i); });
