@@ -46,6 +46,7 @@ void nameSources(std::vector<FilterEntry>& entries) {
   }
 }
 
+/// How many there are comes first: a terminal may cut the rest.
 std::string choicesText(core::FilterChoices const& choices) {
   if (!choices.problem.empty()) {
     return "not known: " + choices.problem;
@@ -54,9 +55,10 @@ std::string choicesText(core::FilterChoices const& choices) {
   for (auto const& [value, label] : choices.choices) {
     texts.push_back(label.empty() || label == value ? value : fmt::format("{} {}", value, label));
   }
-  auto const text = fmt::format("{}", fmt::join(texts, ", "));
-  auto const rest = choices.total - std::min(choices.total, choices.choices.size());
-  return rest == 0 ? text : fmt::format("{}, and {} more", text, rest);
+  if (choices.choices.size() < choices.total) {
+    texts.emplace_back("\xE2\x80\xA6");
+  }
+  return fmt::format("{}: {}", choices.total, fmt::join(texts, ", "));
 }
 
 void writeMember(OutputBuffer& out, std::string_view name, std::string_view value) {

@@ -173,14 +173,14 @@ FILTERS = """filter,label,type,forms,required,values
 id,Código,int,"list, one",no,""
 nome,Nome,text,one,no,""
 nota,Nota,double,range,no,""
-id_unidade,Unidade,int,list,no,"3 [U3], 4 [U4], 5 [U5]"
+id_unidade,Unidade,int,list,no,"3: 3 [U3], 4 [U4], 5 [U5]"
 """
 
 
 def test_filters_are_listed_with_their_values(searches):
     assert searches.rows("search", NAME, "--filters") == FILTERS
     few = searches.rows("search", NAME, "--filters", "--choices", 1)
-    assert few.splitlines()[-1] == 'id_unidade,Unidade,int,list,no,"3 [U3], and 2 more"'
+    assert few.splitlines()[-1] == 'id_unidade,Unidade,int,list,no,"3: 3 [U3], …"'
 
 
 def test_filters_are_listed_for_programs(searches):

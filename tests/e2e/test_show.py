@@ -42,6 +42,56 @@ def test_shows_a_formatter_as_a_tree(definitions):
     ]
 
 
+WIRED = """<moxZYNCollection parentLibraryName="escola">
+<moxFilterDataSource name="Só as ativas" dataSource="fonte"><where>a.id &gt; 1</where></moxFilterDataSource>
+<moxGroupDataSource name="Grupo" outputSource="alunos" filterSource="alunos"><DataSources>
+  <moxDadoDataSource name="alunos" dataSource="Alunos"/>
+  <moxDadoDataSource name="ativas" dataSource="Só as ativas">
+    <sourcesExternalRelation><relation external="fonte" internal="alunos"/></sourcesExternalRelation>
+  </moxDadoDataSource>
+  <moxDadoDataSource name="outra vez" dataSource="Grupo"/>
+</DataSources></moxGroupDataSource>
+<moxSearch InternalName="Pesquisa" VisibleName="Alunos do grupo"><General dataSource="Grupo">
+  <AutoFill atStartup="1"/><Allowing Reorder="0"/></General></moxSearch>
+</moxZYNCollection>"""
+
+
+def test_shows_the_wiring_of_a_group_as_a_tree(definitions):
+    use_collections(definitions, d=WIRED)
+    text = definitions.rows("show", "Grupo")
+    assert text.endswith(
+        "└─ members\n"
+        '   ├─ alunos is "Alunos" (moxSQLDataSource), gives the result, gives the filters\n'
+        "   │  └─ changed by ativas\n"
+        '   ├─ ativas is "Só as ativas" (moxFilterDataSource)\n'
+        "   │  ├─ what it calls fonte is alunos\n"
+        "   │  ├─ changes fonte, here alunos\n"
+        "   │  └─ where: a.id > 1\n"
+        '   └─ outra vez is "Grupo" (moxGroupDataSource), see above: a ring\n'
+    ), text
+
+
+def test_json_tells_the_wiring_of_a_group(definitions):
+    use_collections(definitions, d=WIRED)
+    group = json.loads(definitions.rows("show", "Grupo", "--format", "json"))["group"]
+    assert (group["output"], group["filter_source"]) == ("alunos", "alunos")
+    alunos, ativas, again = group["members"]
+    assert (alunos["external"], alunos["output"], alunos["changed_by"]) == ("Alunos", True, ["ativas"])
+    assert ativas["inputs"] == [{"source": "fonte", "member": "alunos"}]
+    assert ativas["wires"] == [{"source": "fonte", "through": [], "target": "alunos", "defect": ""}]
+    assert ativas["definition"]["changes"]["texts"] == [{"name": "where", "text": "a.id > 1"}]
+    assert again["ring"] and "definition" not in again
+
+
+def test_shows_the_screen_of_a_search(definitions):
+    use_collections(definitions, d=WIRED)
+    lines = definitions.rows("show", "Pesquisa").splitlines()
+    assert lines[1] == "├─ kind: search"
+    assert "├─ heading: Alunos do grupo" in lines and "├─ screen: 760 x 450" in lines
+    search = json.loads(definitions.rows("show", "Pesquisa", "--format", "json"))["search"]
+    assert (search["source"], search["auto_fill"], search["require_permission"]) == ("Grupo", True, True)
+
+
 @pytest.mark.parametrize("name", ["Alunos", "Dinheiro", "Data", "Álbum", 'pacote, com "aspas"'])
 def test_xml_is_what_a_collection_takes(definitions, name):
     text = definitions.rows("show", name, "--xml")
