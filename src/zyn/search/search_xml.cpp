@@ -76,7 +76,7 @@ void writeInitialOrder(moxSE_Search const& search, moxXMLNode& settings) {
   ordering->writeAttribute("direction", search.getInitialOrderAscending() ? "asc" : "desc");
 }
 
-Source loaded(Source source, Element const& element) {
+Source loaded(Source const& source, Element const& element) {
   return source && source->load(element) ? source : nullptr;
 }
 

@@ -130,7 +130,7 @@ class SearchRunnerModel : public search_test::RunnerTest {
       case 1:
         return std::to_string(chance(2000)) + "." + std::to_string(chance(100)) + "5";
       case 2:
-        return "'" + std::string(chance(4) * 9, 'a') + std::to_string(chance(5)) + "'";
+        return "'" + std::string(std::size_t{9} * chance(4), 'a') + std::to_string(chance(5)) + "'";
       case 3:
         return "'20" + std::to_string(10 + chance(15)) + "-0" + std::to_string(1 + chance(9)) +
                "-1" + std::to_string(chance(10)) + "'";
