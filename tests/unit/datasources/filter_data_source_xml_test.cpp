@@ -170,6 +170,6 @@ TEST_F(FilterDataSourceXml, AFormatterOfAnUnknownClassIsTold) {
 
 TEST_F(FilterDataSourceXml, AConditionOfANumberThatIsNoKindIsWrittenAsNoCondition) {
   auto const made = source("<Filters><Valor><value>1</value></Valor></Filters>");
-  made->getFiltersSpec().at(0)->setTipo(static_cast<Spec::Tipos>(9));
+  made->getFiltersSpec().at(0)->setTipo(static_cast<Spec::Tipos>(3));
   EXPECT_NE(textOf(*made).find("<Filters><SemFiltro "), std::string::npos);
 }
