@@ -34,6 +34,8 @@
 #include "zyn/matrix/data_matrix_columns.h"
 #include "zyn/matrix/data_matrix_row.h"
 #include "zyn/matrix/data_matrix_sorter.h"
+#include "zyn/operations/csv_format.h"
+#include "zyn/operations/data_matrix_exporter.h"
 #include "zyn/operations/data_matrix_expression_processor.h"
 #include "zyn/operations/data_matrix_join.h"
 #include "zyn/operations/data_matrix_union.h"
@@ -102,6 +104,8 @@ void registerSqlLoading(moxPluginRegistry& registry) {
 }
 
 void registerMatrixOperations(moxPluginRegistry& registry) {
+  internal<DataMatrixExporter>(registry, "moxDataMatrixExporter");
+  internal<DME::CSVFormat>(registry, "moxDataMatrixExporterCSVFormat");
   internal<DataMatrixSorter>(registry, "moxDataMatrixSorter");
   internal<DataMatrixUnion>(registry, "moxDataMatrixUnion");
   internal<DataMatrixJoin>(registry, "moxDataMatrixJoin");
