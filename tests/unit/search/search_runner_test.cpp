@@ -144,7 +144,7 @@ TEST_F(SearchRunner, LoadingTellsThePlacesOfTheColumns) {
 TEST_F(SearchRunner, ColumnsWithoutAClassAreLeftOutAndTheirPlacesSkipped) {
   Columns const columns{{"a", moxDataMatrixTypes::Int},
                         {"blob", moxDataMatrixTypes::Blob},
-                        {"odd", static_cast<moxDataMatrixTypes::Types>(-1)},
+                        {"odd", static_cast<moxDataMatrixTypes::Types>(7)},
                         {"b", moxDataMatrixTypes::Date}};
   auto const runner = runnerOf(searchOn(std::make_shared<FakeSource>("fonte", columns)));
   EXPECT_EQ(runner->columnIndex("a"), 0);
