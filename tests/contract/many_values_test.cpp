@@ -3,9 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cmath>
-#include <cstdint>
 #include <cstring>
 #include <functional>
 #include <limits>
@@ -90,10 +88,6 @@ class ManyValues : public OnEveryDatabase {
     }
     return statement;
   }
-
-  std::string howSent(std::string const& sql, std::vector<moxValueKind> const& kinds) {
-    return dynamic_cast<moxManyValues&>(db.connection()).howSent(sql, kinds);
-  }
 };
 
 MOX_ON_EVERY_DATABASE(ManyValues);
@@ -120,20 +114,15 @@ TEST_P(ManyValues, ExcludedIdsLeaveTheOthers) {
   EXPECT_TRUE(readInts(*statement).empty());
 }
 
-TEST_P(ManyValues, TextsAreComparedAsThoseOfAPlainList) {
+TEST_P(ManyValues, TextsFindTheirRows) {
   fill(3000);
-  auto const statement =
-      amongst("s", kManyTexts, [](Statement& to, int i) { to.bindString(i, textOf(3 * i)); });
-  auto const found = readInts(*statement);
-  EXPECT_EQ(found.size(), 900U);
-  EXPECT_EQ(found.front(), 3);
-}
-
-TEST_P(ManyValues, FortyThousandTextsFindTheirRows) {
-  fill(1000);
-  auto const statement =
-      amongst("s", 40'000, [](Statement& to, int i) { to.bindString(i, textOf(2 * i)); });
-  EXPECT_EQ(readInts(*statement).size(), 400U);
+  for (int const count : {40'000, kManyTexts}) {
+    auto const statement =
+        amongst("s", count, [](Statement& to, int i) { to.bindString(i, textOf(3 * i)); });
+    auto const found = readInts(*statement);
+    EXPECT_EQ(found.size(), 900U);
+    EXPECT_EQ(found.front(), 3);
+  }
 }
 
 TEST_P(ManyValues, TextsFollowTheRulesOfTheColumn) {
@@ -224,7 +213,6 @@ TEST_P(ManyValues, RandomDoublesFindThemselves) {
   while (values.size() < 70'000) {
     auto const bits = random();
     double value = 0;
-    static_assert(sizeof value == sizeof bits);
     std::memcpy(&value, &bits, sizeof value);
     if (std::isnormal(value)) {
       values.push_back(value);
@@ -250,16 +238,9 @@ TEST_P(ManyValues, LimitsOfIntegersNullsAndDuplicates) {
   db.run(
       "insert into t (id, n) values (1, -2147483648), (2, 2147483647), (3, 0), (4, -1), (5, null)");
   auto const statement = amongst("n", kManyIds, [](Statement& to, int i) {
-    switch (i % 4) {
-      case 0:
-        return to.bindInt(i, std::numeric_limits<int>::min());
-      case 1:
-        return to.bindInt(i, std::numeric_limits<int>::max());
-      case 2:
-        return to.bindInt(i, -1);
-      default:
-        return to.bindNull(i);
-    }
+    constexpr int kValues[] = {std::numeric_limits<int>::min(), std::numeric_limits<int>::max(),
+                               -1};
+    i % 4 == 3 ? to.bindNull(i) : to.bindInt(i, kValues[i % 4]);
   });
   EXPECT_EQ(readInts(*statement), (std::vector<int>{1, 2, 4}));
 }
@@ -281,7 +262,6 @@ TEST_P(ManyValues, ValuesOfAllKindsShareAStatement) {
   EXPECT_EQ(statement->getInt(0), 101);
   EXPECT_EQ(statement->getString(1), "parameter");
   EXPECT_EQ(statement->getString(2), "?");
-  EXPECT_EQ(statement->fieldCount(), 3);
 }
 
 TEST_P(ManyValues, ExecutedAgainWithTheSameAndWithOtherValues) {
@@ -434,8 +414,9 @@ TEST_P(ManyValues, TellsHowTheyAreSent) {
   std::string const onSqlite =
       "100001 values are more than the 32766 marks that the database takes: 100000 are bound as 1 "
       "list of one mark, 1 is bound to a mark of its own";
-  EXPECT_EQ(howSent(sql, kinds), db.isMariadb() ? onMariadb : onSqlite);
-  EXPECT_EQ(howSent("select ? from t where id in (?, ?)", {}), "");
+  auto const& connection = dynamic_cast<moxManyValues&>(db.connection());
+  EXPECT_EQ(connection.howSent(sql, kinds), db.isMariadb() ? onMariadb : onSqlite);
+  EXPECT_EQ(connection.howSent("select ? from t where id in (?, ?)", {}), "");
 }
 
 /// From a small range, so that many hit.
