@@ -97,7 +97,7 @@ void writeExternalRelations(moxXMLNode& node, Pairs const& relations) {
 
 /// The element of the source that the member holds: the first that is none of the member's own.
 std::shared_ptr<moxXMLNode> sourceElement(moxXMLNode const& node) {
-  for (int i = 0; auto const element = node.childByIndex(i); ++i) {
+  for (int i = 0; auto element = node.childByIndex(i); ++i) {
     auto const name = element->elementName();
     if (name != kRelation && name != kExternalRelations) {
       return element;

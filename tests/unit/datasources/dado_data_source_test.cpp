@@ -13,7 +13,7 @@ using Relation = moxDadoDataSource::Relation;
 std::string const kUndefined = "Fonte de dados externa não definida";
 std::string const kInvalid = "Fonte de dados externa inválida";
 
-class DadoDataSourceTest : public GroupTest {
+class DadoDataSourceTest : public GroupSourceTest {
  protected:
   std::shared_ptr<moxDadoDataSource> newMember() {
     return host_.get<moxDadoDataSource>("moxDadoDataSource");

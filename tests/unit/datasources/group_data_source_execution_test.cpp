@@ -11,29 +11,8 @@ namespace mox_test {
 namespace {
 
 using Ints = std::vector<int>;
-using ManageFilterData = moxManageFilterDataSource::ManageFilterData;
 
-class GroupDataSourceExecutionTest : public GroupTest {
- protected:
-  /// A filter source from outside the group, whose source bears that name.
-  std::shared_ptr<moxFilterDataSource const> filterOn(std::string const& source,
-                                                      std::string const& condition) {
-    return read<moxFilterDataSource>(filterSource("De fora", source, where(condition)));
-  }
-
-  ConstMember memberOf(std::string const& name, std::string const& source) {
-    auto made = host_.get<moxDadoDataSource>("moxDadoDataSource");
-    made->setName(name);
-    made->setDataSource(read(source));
-    return made;
-  }
-
-  /// The failure of a run of the group as "G".
-  std::string failureOfRun(std::string const& groupText) {
-    auto const held = readGroup(groupText);
-    return failureOf([&] { process(held->createExecution()); });
-  }
-};
+using GroupDataSourceExecutionTest = GroupSourceTest;
 
 /// Hands everything on to a context of the module.
 class ForeignContext final : public virtual moxDataSourceExecutionContext {
@@ -125,18 +104,6 @@ class ToldSource final : public moxDataSource {
   }
   std::shared_ptr<moxDataSourceExecution> createExecution() const override { return made; }
 };
-
-/// The students, and nothing else.
-std::string students(std::string const& more = "") {
-  return group("G", "a", "a",
-               member("a", query("Alunos", "alunos a", {"a.id", "a.curso", "a.unidade"},
-                                 "<Order><By tableName=\"a\" columnName=\"id\"/></Order>")) +
-                   more);
-}
-
-std::string onCourse(int course) {
-  return where("a.curso = " + std::to_string(course));
-}
 
 }  // namespace
 
@@ -262,90 +229,6 @@ TEST_F(GroupDataSourceExecutionTest, FiltersReachAMemberTwoGroupsDeep) {
   EXPECT_EQ(run(held, "aluno"), (Ints{4}));
 }
 
-// Filter sources among the members.
-
-TEST_F(GroupDataSourceExecutionTest, AFilterSourceChangesTheQueryBehindIt) {
-  EXPECT_EQ(run(students(member("f", filterSource("F", "a", onCourse(10))))), (Ints{1, 2, 3}));
-}
-
-TEST_F(GroupDataSourceExecutionTest, TheMatrixOfAFilterSourceIsThatOfTheQuery) {
-  EXPECT_EQ(run(group("G", "f", "f",
-                      member("a", kStudents) + member("f", filterSource("F", "a", onCourse(20))))),
-            (Ints{4, 5, 6}));
-}
-
-TEST_F(GroupDataSourceExecutionTest, AFilterOfAFilterLandsOnTheQueryAtTheEndOfTheChain) {
-  EXPECT_EQ(run(students(member("f", filterSource("F", "a", onCourse(10))) +
-                         member("g", filterSource("G", "f", where("a.id > 1"))) +
-                         member("h", filterSource("H", "g", where("a.id < 3"))))),
-            (Ints{2}));
-}
-
-TEST_F(GroupDataSourceExecutionTest, AnExternalFilterFindsItsQueryUnderTheGroupsName) {
-  enter(filterSource("F", "Alunos", onCourse(20)));
-  EXPECT_EQ(run(students(externalMember("f", "F", {{"Notas", "n"}, {"Alunos", "a"}}))),
-            (Ints{4, 5, 6}));
-}
-
-TEST_F(GroupDataSourceExecutionTest, AnExternalChainTakesEachMembersOwnNames) {
-  enter(filterSource("F", "Alunos", onCourse(20)) +
-        filterSource("H", "Primeiro", where("a.id < 6")));
-  EXPECT_EQ(run(students(externalMember("f", "F", {{"Alunos", "a"}}) +
-                         externalMember("h", "H", {{"Alunos", "x"}, {"Primeiro", "f"}}))),
-            (Ints{4, 5}));
-}
-
-TEST_F(GroupDataSourceExecutionTest, NamesAreMappedForExternalMembersOnly) {
-  auto const mapped = "<moxDadoDataSource name=\"f\">" + filterSource("F", "a", onCourse(20)) +
-                      "<sourcesExternalRelation><relation external=\"a\" internal=\"x\"/>"
-                      "</sourcesExternalRelation></moxDadoDataSource>";
-  EXPECT_EQ(run(students(mapped)), (Ints{4, 5, 6}));
-}
-
-TEST_F(GroupDataSourceExecutionTest, AFilterAheadOfItsQueryFails) {
-  EXPECT_EQ(failureOfRun(group("G", "a", "a",
-                               member("f", filterSource("F", "a", "")) + member("a", kStudents))),
-            "Não localizado source origem do filtro");
-}
-
-TEST_F(GroupDataSourceExecutionTest, AFilterOnNobodyFails) {
-  EXPECT_EQ(failureOfRun(students(member("f", filterSource("F", "x", "")))),
-            "Não localizado source origem do filtro");
-  EXPECT_EQ(failureOfRun(students(member("f", filterSource("F", "", "")))),
-            "Não localizado source origem do filtro");
-}
-
-TEST_F(GroupDataSourceExecutionTest, AFilterOnASourceThatIsNeitherQueryNorFilterFails) {
-  auto const onManager =
-      students(member("m", manager("M", "")) + member("f", filterSource("F", "m", "")));
-  EXPECT_EQ(failureOfRun(onManager), "Não localizado source origem do filtro");
-  auto const onGroup = students(member("h", group("H", "b", "b", member("b", kMarks))) +
-                                member("f", filterSource("F", "h", "")));
-  EXPECT_EQ(failureOfRun(onGroup), "Não localizado source origem do filtro");
-}
-
-TEST_F(GroupDataSourceExecutionTest, AFilterThatNamesItselfFails) {
-  EXPECT_EQ(failureOfRun(students(member("f", filterSource("F", "f", "")))),
-            "Não localizado source origem do filtro");
-}
-
-TEST_F(GroupDataSourceExecutionTest, FiltersThatNameEachOtherFail) {
-  EXPECT_EQ(failureOfRun(students(member("f", filterSource("F", "g", "")) +
-                                  member("g", filterSource("G", "f", "")))),
-            "Não localizado source origem do filtro");
-}
-
-TEST_F(GroupDataSourceExecutionTest, FailuresOfWiringNameTheFilterAndTheGroup) {
-  auto const held = readGroup(students(member("f", filterSource("F", "x", ""))));
-  try {
-    process(held->createExecution());
-    FAIL() << "no failure";
-  } catch (moxError const& error) {
-    EXPECT_EQ(error.errorDetails(), Strings{"the filter source \"f\" of the group \"G\" changes "
-                                            "\"x\", which is no member ahead of it"});
-  }
-}
-
 // Members.
 
 TEST_F(GroupDataSourceExecutionTest, AMemberWithoutASourceFails) {
@@ -394,110 +277,6 @@ TEST_F(GroupDataSourceExecutionTest, GroupsThatHoldEachOtherTwiceFail) {
             "Fonte de dados externa inválida");
 }
 
-// Managers.
-
-TEST_F(GroupDataSourceExecutionTest, AManagersFilterAnswersForTheQueriesThatItRules) {
-  auto const held = group("G", "n", "m",
-                          member("a", kStudents) + member("n", kMarks) +
-                              member("m", manager("M", ruled("n", "quem", "n", "aluno") +
-                                                           ruled("a", "quem", "a", "id"))));
-  context_->setDataSourceFilters("G", {among("", "quem", {1, 4})});
-  EXPECT_EQ(run(held, "aluno"), (Ints{1, 4}));
-}
-
-TEST_F(GroupDataSourceExecutionTest, AnExternalManagerRulesUnderTheGroupsNames) {
-  enter(manager("M", ruled("Alunos", "quem", "a", "id")));
-  auto const held =
-      group("G", "a", "m", member("a", kStudents) + externalMember("m", "M", {{"Alunos", "a"}}));
-  context_->setDataSourceFilters("G", {among("", "quem", {1, 4})});
-  EXPECT_EQ(run(held), (Ints{1, 4}));
-}
-
-TEST_F(GroupDataSourceExecutionTest, AManagerAheadOfAQueryDoesNotRuleIt) {
-  auto const held =
-      group("G", "a", "m",
-            member("m", manager("M", ruled("a", "quem", "a", "id"))) + member("a", kStudents));
-  context_->setDataSourceFilters("G", {among("", "quem", {1, 4})});
-  EXPECT_EQ(run(held).size(), 6u);
-}
-
-TEST_F(GroupDataSourceExecutionTest, AManagerOfTheGroupRulesTheMemberOfItsFilters) {
-  auto const execution = executionOf(*readGroup(students()));
-  ManageFilterData const outer{"Fora", {}, {{"", "", "a", "id", "quem"}}};
-  execution->setManageFiltersData({outer});
-  context_->setDataSourceFilters("Fora", {among("", "quem", {2, 6}), among("", "outro", {9})});
-  EXPECT_EQ(run(execution), (Ints{2, 6}));
-}
-
-TEST_F(GroupDataSourceExecutionTest, ManagersOfTheGroupAreAddedBehindThoseThatWereSet) {
-  auto const execution = executionOf(*readGroup(students()));
-  execution->setManageFiltersData({{"A", {}, {{"", "", "a", "id", "quem"}}}});
-  execution->addManageFiltersData({"B", {}, {{"", "", "a", "curso", "onde"}}});
-  context_->setDataSourceFilters("A", {among("", "quem", {2, 6})});
-  context_->setDataSourceFilters("B", {among("", "onde", {20})});
-  EXPECT_EQ(run(execution), (Ints{6}));
-}
-
-// Filter sources from outside.
-
-TEST_F(GroupDataSourceExecutionTest, AFilterFromOutsideGoesWhereTheGroupsFiltersGo) {
-  auto const execution = executionOf(*readGroup(students(member("n", kMarks))));
-  execution->setFiltersDataSource({filterOn("Alunos", "a.curso = 10")});
-  execution->addFiltersDataSource(filterOn("", "a.id > 1"));
-  EXPECT_EQ(run(execution), (Ints{2, 3}));
-}
-
-TEST_F(GroupDataSourceExecutionTest, AFilterFromOutsideIsRedirectedByAnAim) {
-  auto const execution =
-      executionOf(*readGroup(group("G", "n", "a", member("a", kStudents) + member("n", kMarks))));
-  execution->addFiltersDataSource(filterOn("G->n", "n.nota > 7"));
-  EXPECT_EQ(run(execution, "aluno"), (Ints{1, 4}));
-}
-
-TEST_F(GroupDataSourceExecutionTest, AnyDashIsTakenForAnAim) {
-  auto const execution = executionOf(
-      *readGroup(group("G", "024", "a", member("a", kStudents) + member("024", kMarks))));
-  execution->addFiltersDataSource(filterOn("Vendas-2024", "n.nota > 7"));
-  EXPECT_EQ(run(execution, "aluno"), (Ints{1, 4}));
-}
-
-TEST_F(GroupDataSourceExecutionTest, ADashAtTheEndAimsAtNobody) {
-  for (auto const* const name : {"Vendas-", "Vendas->", "-", "->"}) {
-    context_ = newContext();
-    auto const execution = executionOf(*readGroup(students()));
-    execution->addFiltersDataSource(filterOn(name, "a.curso = 10"));
-    EXPECT_EQ(run(execution), (Ints{1, 2, 3})) << name;
-  }
-}
-
-TEST_F(GroupDataSourceExecutionTest, OnlyTheFirstDashCounts) {
-  auto const execution = executionOf(
-      *readGroup(group("G", "b->c", "a", member("a", kStudents) + member("b->c", kMarks))));
-  execution->addFiltersDataSource(filterOn("G->b->c", "n.nota > 7"));
-  EXPECT_EQ(run(execution, "aluno"), (Ints{1, 4}));
-}
-
-TEST_F(GroupDataSourceExecutionTest, AFilterOnAFilterMemberLandsOnTheQueryBehindIt) {
-  auto const execution = executionOf(
-      *readGroup(group("G", "f", "f",
-                       member("a", kStudents) + member("e", filterSource("E", "a", onCourse(20))) +
-                           member("f", filterSource("F", "e", where("a.id > 4"))))));
-  execution->addFiltersDataSource(filterOn("x", "a.id < 6"));
-  EXPECT_EQ(run(execution), (Ints{5}));
-}
-
-TEST_F(GroupDataSourceExecutionTest, AFilterThatAimsAtNoMemberChangesNothing) {
-  auto const execution = executionOf(*readGroup(students()));
-  execution->addFiltersDataSource(filterOn("G->x", "a.id < 0"));
-  EXPECT_EQ(run(execution).size(), 6u);
-}
-
-TEST_F(GroupDataSourceExecutionTest, AnEmptyFilterFromOutsideIsRefused) {
-  auto const execution = executionOf(*readGroup(students()));
-  EXPECT_THROW(execution->addFiltersDataSource({}), std::invalid_argument);
-  EXPECT_THROW(execution->setFiltersDataSource({nullptr}), std::invalid_argument);
-}
-
 // What the caller brings along.
 
 TEST_F(GroupDataSourceExecutionTest, AddedMembersRunAheadOfTheDefinitions) {
@@ -540,78 +319,6 @@ TEST_F(GroupDataSourceExecutionTest, EmptyMembersAndMatricesAreRefused) {
   auto const execution = executionOf(*readGroup(students()));
   EXPECT_THROW(execution->setDataSourcesComposicao({nullptr}), std::invalid_argument);
   EXPECT_THROW(execution->setDataMatrixComposicao({{"x", nullptr}}), std::invalid_argument);
-}
-
-// Links between members.
-
-TEST_F(GroupDataSourceExecutionTest, ALinkKeepsAMemberToTheValuesOfAnother) {
-  EXPECT_EQ(run(group("G", "b", "a",
-                      member("a", kStudents) + member("f", filterSource("F", "a", onCourse(10))) +
-                          member("b", kMarks + relation("n.aluno", "a", "id"))),
-                "aluno"),
-            (Ints{1, 2, 3}));
-}
-
-TEST_F(GroupDataSourceExecutionTest, ALinkMayGoThroughAFilterSourcesName) {
-  EXPECT_EQ(run(group("G", "b", "a",
-                      member("a", kStudents) + member("f", filterSource("F", "a", onCourse(20))) +
-                          member("b", kMarks + relation("n.aluno", "f", "id"))),
-                "aluno"),
-            (Ints{4, 5, 6}));
-}
-
-TEST_F(GroupDataSourceExecutionTest, LinksMayFollowEachOther) {
-  EXPECT_EQ(
-      run(group(
-              "G", "c", "a",
-              member("a", kMarks) + member("f", filterSource("F", "a", where("n.nota < 5"))) +
-                  member("b", kStudents + relation("a.id", "a", "aluno")) +
-                  member("c", query("C", "notas n", {"n.aluno"}) + relation("n.aluno", "b", "id"))),
-          "aluno"),
-      (Ints{3, 6}));
-}
-
-TEST_F(GroupDataSourceExecutionTest, ALinkToAMemberWithoutRowsLetsNothingPass) {
-  EXPECT_EQ(run(group("G", "b", "a",
-                      member("a", kStudents) + member("f", filterSource("F", "a", onCourse(99))) +
-                          member("b", kMarks + relation("n.aluno", "a", "id"))),
-                "aluno"),
-            Ints{});
-}
-
-TEST_F(GroupDataSourceExecutionTest, ALinksConditionBearsTheNameInTheDatabase) {
-  auto const own =
-      "<Relation columnNameOrigin=\"aluno\" tableNameOrigin=\"notas\" columnName=\"quem\" "
-      "tableName=\"n\"><DataSourceOrigin dataSource=\"a\" columnName=\"id\"/></Relation>";
-  std::string const renamed =
-      "<moxSQLDataSource name=\"Q\"><Command type=\"1\"><from>notas n</from></Command><Columns>"
-      "<Column tableName=\"n\" columnName=\"quem\" columnNameOrigin=\"aluno\" Type=\"2\">"
-      "<sql index=\"0\" alias=\"quem\">n.aluno</sql></Column></Columns></moxSQLDataSource>";
-  EXPECT_EQ(run(group("G", "b", "a",
-                      member("a", kStudents) + member("f", filterSource("F", "a", onCourse(10))) +
-                          member("b", renamed + own)),
-                "quem"),
-            (Ints{1, 2, 3}));
-}
-
-TEST_F(GroupDataSourceExecutionTest, ALinkToNothingRestrictsNothing) {
-  for (auto const& link : {relation("n.aluno", "x", "id"), relation("n.aluno", "a", "x"),
-                           relation("n.aluno", "a", "")}) {
-    context_ = newContext();
-    EXPECT_EQ(
-        run(group("G", "b", "a", member("a", kStudents) + member("b", kMarks + link)), "aluno")
-            .size(),
-        6u);
-  }
-}
-
-TEST_F(GroupDataSourceExecutionTest, ALinkOfAMemberThatIsNoQueryRestrictsNothing) {
-  auto const inner = group("H", "b", "b", member("b", kMarks));
-  EXPECT_EQ(run(group("G", "h", "a",
-                      member("a", kStudents) + member("h", inner + relation("n.aluno", "x", "id"))),
-                "aluno")
-                .size(),
-            6u);
 }
 
 // What a user can be asked for.

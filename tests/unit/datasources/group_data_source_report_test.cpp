@@ -5,7 +5,7 @@ namespace mox_test {
 
 namespace {
 
-class GroupReportOfRunTest : public GroupTest {
+class GroupReportOfRunTest : public GroupSourceTest {
  protected:
   moxRunReport report() { return reporter().runReport(); }
 

@@ -13,7 +13,7 @@ using Types = moxDataMatrixTypes::Types;
 std::string const kInvalid = "Fonte de dados externa inválida";
 std::string const kNoOrigin = "Não localizado source origem do filtro";
 
-using GroupDataSourceTest = GroupTest;
+using GroupDataSourceTest = GroupSourceTest;
 
 /// A group whose only member is the group of that name.
 std::string groupOf(std::string const& name, std::string const& other) {

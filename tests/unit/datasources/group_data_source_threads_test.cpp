@@ -17,10 +17,10 @@ struct Directory {
   TemporaryDirectory directory;
 };
 
-class GroupDataSourceThreads : private Directory, public GroupTest {
+class GroupDataSourceThreads : private Directory, public GroupSourceTest {
  protected:
   GroupDataSourceThreads()
-      : GroupTest("sqlite:" + (directory.path() / "grupo.db").string() + "?mode=rwc") {
+      : GroupSourceTest("sqlite:" + (directory.path() / "grupo.db").string() + "?mode=rwc") {
     enter(kStudents + filterSource("F", "Alunos", where("a.id <> 3")) +
           group("Turma", "b", "m",
                 externalMember("a", "Alunos") + externalMember("f", "F", {{"Alunos", "a"}}) +

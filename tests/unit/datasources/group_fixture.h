@@ -96,16 +96,29 @@ inline std::string group(std::string const& name, std::string const& output,
          "</DataSources></moxGroupDataSource>";
 }
 
+/// A group "G" of the students, with further members.
+inline std::string students(std::string const& more = "") {
+  return group("G", "a", "a",
+               member("a", query("Alunos", "alunos a", {"a.id", "a.curso", "a.unidade"},
+                                 "<Order><By tableName=\"a\" columnName=\"id\"/></Order>")) +
+                   more);
+}
+
+/// The part of a filter source that keeps students to a course.
+inline std::string onCourse(int course) {
+  return where("a.curso = " + std::to_string(course));
+}
+
 /// Six students of two courses: 1 to 3 of course 10, 4 to 6 of course 20, the third of each with a
 /// mark below 5.
-class GroupTest : public DefinitionTest {
+class GroupSourceTest : public DefinitionTest {
  protected:
   using Matrix = std::shared_ptr<moxDataMatrix>;
   using Filter = std::shared_ptr<moxDataMatrixSQLIntegerInFilter>;
   using ConstMember = std::shared_ptr<moxDadoDataSource const>;
 
-  GroupTest() : GroupTest(TestHost::kMemoryDatabase) {}
-  explicit GroupTest(std::string const& databaseUrl)
+  GroupSourceTest() : GroupSourceTest(TestHost::kMemoryDatabase) {}
+  explicit GroupSourceTest(std::string const& databaseUrl)
       : DefinitionTest(databaseUrl), context_(newContext()) {
     auto& database = host_.database();
     database.execute("create table alunos (id int, curso int, unidade int)");
@@ -182,6 +195,25 @@ class GroupTest : public DefinitionTest {
       columns.push_back(filter->getColumn());
     }
     return columns;
+  }
+
+  /// A filter source from outside the group, whose source bears that name.
+  std::shared_ptr<moxFilterDataSource const> filterOn(std::string const& source,
+                                                      std::string const& condition) {
+    return read<moxFilterDataSource>(filterSource("De fora", source, where(condition)));
+  }
+
+  ConstMember memberOf(std::string const& name, std::string const& source) {
+    auto made = host_.get<moxDadoDataSource>("moxDadoDataSource");
+    made->setName(name);
+    made->setDataSource(read(source));
+    return made;
+  }
+
+  /// The failure of a run of the group as "G".
+  std::string failureOfRun(std::string const& groupText) {
+    auto const held = readGroup(groupText);
+    return failureOf([&] { process(held->createExecution()); });
   }
 
   moxRunReporter& reporter() { return dynamic_cast<moxRunReporter&>(*context_); }
