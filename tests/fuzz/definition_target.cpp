@@ -14,6 +14,7 @@
 #include "mox/zyn/datasources/run_report.h"
 #include "mox/zyn/datasources/sql_data_source.h"
 #include "mox/zyn/filters/filter_specification.h"
+#include "mox/zyn/items/zyn_cache.h"
 #include "mox/zyn/items/zyn_collection.h"
 #include "mox/zyn/items/zyn_utils.h"
 #include "mox/zyn/sql/data_matrix_sql_filter.h"
@@ -54,13 +55,21 @@ std::vector<std::shared_ptr<moxDataSource const>> sourcesOf(Collection const& co
   return sources;
 }
 
-/// What screens and editors ask a source for.
-void ask(moxDataSource const& source) {
-  require(source.getRelatedColumns({}).size() == source.getColumns().size(),
-          "alone in a context, a query has its own columns");
+/// What screens and editors ask any source for. Those that name others refuse rings, and names of
+/// nothing.
+void askAny(moxDataSource const& source) {
   source.options();
-  source.getRelatedDataSources(true);
+  accepted([&] { source.getColumns(); });
+  accepted([&] { source.getRelatedColumns({}); });
+  accepted([&] { source.getRelatedDataSources(true); });
+  accepted([&] { source.getFilters(); });
+}
+
+void ask(moxDataSource const& source) {
+  askAny(source);
   if (auto const* const sql = dynamic_cast<moxSQLDataSource const*>(&source)) {
+    require(source.getRelatedColumns({}).size() == source.getColumns().size(),
+            "alone in a context, a query has its own columns");
     sql->getSQL();
     sql->getSQLColumnsPlain();
     require(sql->getColumns().size() == sql->columns().size(), "every column has a kind");
@@ -122,23 +131,36 @@ void check(moxDataSource const& source, moxRunStatement const& statement, Run co
   auto const marks = std::count(statement.sql.begin(), statement.sql.end(), '?');
   auto const values = valuesIn(statement.parameters) + valuesIn(statement.conditions);
   require(run.hasMarks || static_cast<std::size_t>(marks) == values, "a value for every mark");
-  auto const& sql = dynamic_cast<moxSQLDataSource const&>(source);
+  auto const* const sql = dynamic_cast<moxSQLDataSource const*>(&source);
   bool const restricted = !statement.conditions.empty() &&
                           statement.conditions.back().origin == moxRunOrigin::kUnitRule;
-  require(!run.byUnits || run.withFilters || !sql.getUnidadeColumn().first || restricted,
-          "no rows of other units");
+  bool const hasUnits = sql != nullptr && sql->getUnidadeColumn().first;
+  require(!run.byUnits || run.withFilters || !hasUnits || restricted, "no rows of other units");
 }
 
-/// The statement and its values in one text, or why there is none.
+std::string textOf(moxRunStatement const& statement) {
+  auto text = statement.sql + '\n';
+  for (auto const* const parts : {&statement.parameters, &statement.conditions}) {
+    for (auto const& part : *parts) {
+      for (auto const& value : part.values) {
+        text += value.text + '\n';
+      }
+    }
+  }
+  return text;
+}
+
+/// The statements and their values in one text, those of a group's members behind it, or why there
+/// are none.
 std::string composed(TestHost& host, std::shared_ptr<moxDataSource const> const& source,
                      Run const& run) {
   auto const context = host.get<moxDataSourceExecutionContext>("moxDataSourceExecutionContext");
   auto& reporter = dynamic_cast<moxRunReporter&>(*context);
   reporter.composeOnly();
-  if (run.withFilters) {
-    context->setDataSourceFilters(source->getName(), filtersFor(*source));
-  }
   try {
+    if (run.withFilters) {
+      context->setDataSourceFilters(source->getName(), filtersFor(*source));
+    }
     context->processDataSources({}, {{source->getName(), {false, source->createExecution()}}}, {},
                                 0);
   } catch (moxError const& error) {
@@ -147,16 +169,10 @@ std::string composed(TestHost& host, std::shared_ptr<moxDataSource const> const&
     return error.what();
   }
   std::string text;
-  auto const report = reporter.runReport();
-  for (auto const& statement : report.sources.at(0).statements) {
-    check(*source, statement, run);
-    text += statement.sql + '\n';
-    for (auto const* const parts : {&statement.parameters, &statement.conditions}) {
-      for (auto const& part : *parts) {
-        for (auto const& value : part.values) {
-          text += value.text + '\n';
-        }
-      }
+  for (auto const& ran : reporter.runReport().sources) {
+    for (auto const& statement : ran.statements) {
+      check(*source, statement, run);
+      text += textOf(statement);
     }
   }
   return text;
@@ -198,6 +214,7 @@ void readDefinition(std::string_view bytes) {
   auto const second = loaded(host, text);
   require(second != nullptr, "what was saved can be loaded");
   require(saved(host, second) == text, "loading and saving gives the same text");
+  host.get<moxZYNCache>("moxZYNCache")->appendCollection(first);  // where sources find each other
   for (auto const& source : sourcesOf(first)) {
     ask(*source);
   }
