@@ -75,14 +75,19 @@ std::vector<moxValueKind> kindsOf(moxRunStatement const& statement) {
   return kinds;
 }
 
-/// Only the connection knows how many marks its database takes.
+/// Only the connection knows how many marks its database takes. Statements are put together, and
+/// told of, also where there is no database.
 std::string sendingOf(moxRunStatement const& statement) {
   auto const kinds = kindsOf(statement);
   if (kinds.empty()) {
     return {};
   }
-  auto const* const connection = dynamic_cast<moxManyValues const*>(&moxApp->databaseConnection());
-  return connection == nullptr ? std::string() : connection->howSent(statement.sql, kinds);
+  try {
+    auto* const connection = dynamic_cast<moxManyValues const*>(&moxApp->databaseConnection());
+    return connection == nullptr ? std::string() : connection->howSent(statement.sql, kinds);
+  } catch (moxError const&) {
+    return {};
+  }
 }
 
 /// A source's own filters come to the run as one list, the program's among the user's.
