@@ -41,7 +41,7 @@ std::string XmlDocument::writeText(int indent, int declaration) const {
 }
 
 void XmlDocument::show(std::shared_ptr<XmlTree> tree) {
-  root_ = std::make_shared<XmlNode>(tree, tree->root(), 1);
+  root_ = std::make_shared<XmlNode>(tree, pugi::xml_node(), 1);
   tree_ = std::move(tree);
 }
 

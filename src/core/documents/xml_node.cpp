@@ -144,7 +144,7 @@ XmlNode::Child const* XmlNode::childAt(std::size_t position) const {
 
 /// Lists one more element, if there is one: also one that was added since.
 bool XmlNode::listNextChild() const {
-  auto at = children_.empty() ? node_.first_child() : children_.back().node.next_sibling();
+  auto at = children_.empty() ? node().first_child() : children_.back().node.next_sibling();
   while (at && at.type() != pugi::node_element) {
     at = at.next_sibling();
   }
@@ -161,7 +161,7 @@ std::shared_ptr<moxXMLNode> XmlNode::addChild(std::string_view name) {
     throw DocumentError("XML",
                         "elements cannot be nested deeper than " + std::to_string(kMaxXmlDepth));
   }
-  pugi::xml_node const child = node_.append_child(std::string(name).c_str());
+  pugi::xml_node const child = node().append_child(std::string(name).c_str());
   requireMemory(!child.empty());
   return std::make_shared<XmlNode>(tree_, child, depth_ + 1);
 }
@@ -185,7 +185,7 @@ void XmlNode::listAttributes() const {
   auto& known = attributes_;
   known.count = 0;
   known.next = 0;
-  auto at = node_.first_attribute();
+  auto at = node().first_attribute();
   for (; at && known.count < kListed; at = at.next_attribute()) {
     known.list[known.count++] = {at.name(), at.value()};
   }
@@ -197,9 +197,9 @@ void XmlNode::writeAttribute(std::string_view name, std::string_view value) {
   requireXmlName(name);
   std::string const checked = requireXmlText(value);
   std::string const key(name);
-  pugi::xml_attribute attribute = node_.attribute(key.c_str());
+  pugi::xml_attribute attribute = node().attribute(key.c_str());
   if (!attribute) {
-    attribute = node_.append_attribute(key.c_str());
+    attribute = node().append_attribute(key.c_str());
   }
   requireMemory(attribute.set_value(checked.c_str()));
   tree_->noteChange();
@@ -207,7 +207,7 @@ void XmlNode::writeAttribute(std::string_view name, std::string_view value) {
 
 std::string XmlNode::readText() const {
   std::string text;
-  for (pugi::xml_node const child : node_.children()) {
+  for (pugi::xml_node const child : node().children()) {
     if (child.type() != pugi::node_element) {
       text += child.value();
     }
@@ -217,20 +217,20 @@ std::string XmlNode::readText() const {
 
 void XmlNode::writeText(std::string_view text) {
   std::string const checked = requireXmlText(text);
-  removeText(node_);
+  removeText(node());
   if (!checked.empty()) {
-    requireMemory(node_.prepend_child(pugi::node_pcdata).set_value(checked.c_str()));
+    requireMemory(node().prepend_child(pugi::node_pcdata).set_value(checked.c_str()));
   }
 }
 
 void XmlNode::setElementName(std::string_view name) {
   requireXmlName(name);
-  requireMemory(node_.set_name(std::string(name).c_str()));
+  requireMemory(node().set_name(std::string(name).c_str()));
   tree_->noteChange();
 }
 
 void XmlNode::clear() {
-  tree_->clear(node_);
+  tree_->clear(node());
 }
 
 }  // namespace mox::core

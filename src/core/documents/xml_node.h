@@ -11,13 +11,15 @@
 
 #include "core/documents/xml_tree.h"
 #include "mox/core/xml.h"
+#include "mox/core/xml_table.h"
 
 namespace mox::core {
 
 /// An element, and a share in the tree that it stands in.
-class XmlNode : public moxXMLNode {
+class XmlNode : public moxXMLNode, public moxXMLTableSource {
  public:
-  /// `depth` is 1 for the root.
+  /// `depth` is 1 for the root, and an empty `node` is the root as well: it is asked for only when
+  /// it is needed.
   XmlNode(std::shared_ptr<XmlTree> tree, pugi::xml_node node, int depth)
       : tree_(std::move(tree)), node_(node), depth_(depth) {}
 
@@ -29,10 +31,13 @@ class XmlNode : public moxXMLNode {
   void writeAttribute(std::string_view name, std::string_view value) override;
   std::string readText() const override;
   void writeText(std::string_view text) override;
-  std::string elementName() const override { return node_.name(); }
+  std::string elementName() const override { return node().name(); }
   void setElementName(std::string_view name) override;
   void clear() override;
-  int line() const override { return tree_->lineOf(node_); }
+  std::shared_ptr<moxXMLTable const> table() const override {
+    return node_ ? nullptr : tree_->table();
+  }
+  int line() const override { return tree_->lineOf(node()); }
 
  private:
   static constexpr std::uint64_t kNever = ~std::uint64_t{0};
@@ -76,6 +81,12 @@ class XmlNode : public moxXMLNode {
     std::array<Attribute, kListed> list;  // `count` of them are set
   };
 
+  pugi::xml_node node() const {
+    if (!node_) {
+      node_ = tree_->root();
+    }
+    return node_;
+  }
   void listAttributes() const;
   bool listNextChild() const;
   Child const* childAt(std::size_t position) const;
@@ -84,7 +95,7 @@ class XmlNode : public moxXMLNode {
   void keepWalk(int index, std::size_t position, Wanted const& wanted) const;
 
   std::shared_ptr<XmlTree> tree_;
-  pugi::xml_node node_;
+  mutable pugi::xml_node node_;
   int depth_;
   mutable std::uint64_t childrenChanges_ = kNever;  // as Attributes' changes
   mutable std::vector<Child> children_;  // elements, from the first one on as far as asked for

@@ -1,9 +1,11 @@
 #include "core/documents/xml_scanner.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <string>
 #include <unordered_set>
+#include <utility>
 #include <vector>
 
 #include "core/documents/document_error.h"
@@ -15,6 +17,15 @@ namespace mox::core {
 namespace {
 
 constexpr std::size_t kNowhere = std::string_view::npos;
+
+/// By character: whether an attribute's value may read otherwise than it stands where it holds one.
+constexpr std::array<bool, 256> kReadsOtherwise = [] {
+  std::array<bool, 256> reads = {};
+  for (char const c : {'<', '&', '\t', '\n', '\r'}) {
+    reads[static_cast<unsigned char>(c)] = true;
+  }
+  return reads;
+}();
 
 bool isForbidden(char c) {
   return static_cast<unsigned char>(c) < 0x20 && !isXmlSpace(c);
@@ -63,7 +74,8 @@ class AttributeNames {
   /// False when the name is there already.
   bool add(std::string_view name) {
     if (few_.size() < kFew) {
-      bool const isNew = std::find(few_.begin(), few_.end(), name) == few_.end();
+      bool const isNew = std::none_of(few_.begin(), few_.end(),
+                                      [&](std::string_view other) { return isSame(other, name); });
       few_.push_back(name);
       return isNew;
     }
@@ -76,15 +88,21 @@ class AttributeNames {
  private:
   static constexpr std::size_t kFew = 16;
 
+  /// Most names differ in their length or at an end. None is empty.
+  static bool isSame(std::string_view one, std::string_view other) {
+    return one.size() == other.size() && one.back() == other.back() && one == other;
+  }
+
   std::vector<std::string_view> few_;
   std::unordered_set<std::string_view> many_;
 };
 
 class Scanner {
  public:
-  explicit Scanner(std::string_view text) : text_(text) {}
+  explicit Scanner(XmlTable& table) : text_(table.text()), table_(table) {}
 
-  void run() {
+  /// Whether there was nothing that only the parser judges.
+  bool run() {
     checkCharacters();
     while (at_ < text_.size()) {
       std::size_t const end = std::min(text_.find('<', at_), text_.size());
@@ -100,12 +118,15 @@ class Scanner {
     if (!hasRoot_) {
       fail(text_.size(), "there is no root element");
     }
+    table_.finish();
+    return !needsParser_;
   }
 
  private:
   struct OpenElement {
     std::string_view name;
     std::size_t at;  // of its "<"
+    std::uint32_t number;
   };
 
   [[noreturn]] void fail(std::size_t at, std::string const& what) const {
@@ -131,17 +152,22 @@ class Scanner {
   }
 
   /// The text from here to `end`, between two tags.
-  void checkText(std::size_t end) const {
-    std::string_view const piece = text_.substr(at_, end - at_);
-    if (open_.empty()) {
-      auto const stray =
-          std::find_if_not(piece.begin(), piece.end(), [](char c) { return isXmlSpace(c); });
-      if (stray != piece.end()) {
-        fail(at_ + static_cast<std::size_t>(stray - piece.begin()),
-             "there is text outside the root element");
-      }
+  void checkText(std::size_t end) {
+    std::size_t at = at_;
+    while (at < end && isXmlSpace(text_[at])) {
+      ++at;
     }
-    checkReferences(at_, end);
+    bool const isBlank = at == end;
+    if (!isBlank && open_.empty()) {
+      fail(at, "there is text outside the root element");
+    }
+    if (!isBlank) {
+      checkReferences(at, end);
+    }
+    bool const isText = !isBlank || text_.substr(end).starts_with("</");
+    if (isText && at_ < end && !open_.empty()) {
+      table_.text(open_.back().number, text_.substr(at_, end - at_), isBlank);
+    }
   }
 
   void checkReferences(std::size_t from, std::size_t to) const {
@@ -200,15 +226,24 @@ class Scanner {
     } else if (second == '/') {
       endTag();
     } else if (starts("<!--")) {
+      mixText();
       skipPast("<!--", "-->", "the comment never ends");
     } else if (starts("<![CDATA[") && !open_.empty()) {
+      mixText();
       skipPast("<![CDATA[", "]]>", "the CDATA section never ends");
     } else if (starts("<?")) {
+      needsParser_ = needsParser_ || at_ != 0 || !starts("<?xml ");
       skipPast("<?", "?>", "the processing instruction never ends");
     } else if (starts("<!DOCTYPE")) {
       fail(at_, "a DOCTYPE is not allowed");
     } else {
       fail(at_, "\"<!\" is not expected here");
+    }
+  }
+
+  void mixText() {
+    if (!open_.empty()) {
+      table_.mix(open_.back().number);
     }
   }
 
@@ -254,9 +289,12 @@ class Scanner {
     }
     countPart(start);
     hasRoot_ = true;
+    auto const number = table_.open(start + 1, name.size(), open_.size() + 1);
     bool const closesItself = attributes(start);
-    if (!closesItself) {
-      open_.push_back({name, start});
+    if (closesItself) {
+      table_.close(number, at_);
+    } else {
+      open_.push_back({name, start, number});
     }
   }
 
@@ -269,11 +307,11 @@ class Scanner {
       if (at_ == text_.size()) {
         fail(start, "the tag never ends");
       }
-      if (starts(">")) {
+      if (text_[at_] == '>') {
         ++at_;
         return false;
       }
-      if (starts("/>")) {
+      if (text_[at_] == '/' && starts("/>")) {
         at_ += 2;
         return true;
       }
@@ -297,10 +335,10 @@ class Scanner {
     }
     ++at_;
     skipSpace();
-    attributeValue();
+    attributeValue(start, name.size());
   }
 
-  void attributeValue() {
+  void attributeValue(std::size_t nameAt, std::size_t nameSize) {
     char const quote = current();
     if (quote != '"' && quote != '\'') {
       fail(at_, "the attribute's value must stand in quotes");
@@ -309,7 +347,7 @@ class Scanner {
     std::size_t end = start;
     bool isPlain = true;
     for (; end < text_.size() && text_[end] != quote; ++end) {
-      isPlain = isPlain && text_[end] != '<' && text_[end] != '&';
+      isPlain = isPlain && !kReadsOtherwise[static_cast<unsigned char>(text_[end])];
     }
     if (end == text_.size()) {
       fail(at_, "the attribute's value never ends");
@@ -317,6 +355,7 @@ class Scanner {
     if (!isPlain) {
       checkMarksInValue(start, end);
     }
+    table_.attribute(nameAt, nameSize, text_.substr(start, end - start), isPlain);
     at_ = end + 1;
   }
 
@@ -343,6 +382,7 @@ class Scanner {
     if (open_.back().name != name) {
       failMismatch(start, name);
     }
+    table_.close(open_.back().number, at_);
     open_.pop_back();
   }
 
@@ -354,17 +394,21 @@ class Scanner {
   }
 
   std::string_view text_;
+  XmlTable& table_;
   std::size_t at_ = 0;
   std::size_t parts_ = 0;
   bool hasRoot_ = false;
+  bool needsParser_ = false;
   std::vector<OpenElement> open_;
   AttributeNames names_;
 };
 
 }  // namespace
 
-void checkXml(std::string_view text) {
-  Scanner(text).run();
+ScannedXml scanXml(std::string text) {
+  auto table = std::make_shared<XmlTable>(std::move(text));
+  bool const isEnough = Scanner(*table).run();
+  return {std::move(table), !isEnough};
 }
 
 }  // namespace mox::core

@@ -1,7 +1,10 @@
 #pragma once
 
 #include <cstddef>
-#include <string_view>
+#include <memory>
+#include <string>
+
+#include "core/documents/xml_table.h"
 
 namespace mox::core {
 
@@ -14,9 +17,16 @@ constexpr std::size_t kMaxXmlBytes = std::size_t{64} << 20;
 /// How many elements and attributes a document may have: each costs the tree some sixty bytes.
 constexpr std::size_t kMaxXmlParts = std::size_t{8} << 20;
 
+/// What a text held, and whether it can be read by its table alone.
+struct ScannedXml {
+  std::shared_ptr<XmlTable> table;
+  bool needsParser = false;  // it holds what only the parser judges
+};
+
 /// Walks over a whole UTF-8 text once and throws DocumentError, with line and column, where it is
 /// not well-formed, declares a DOCTYPE, uses an entity, or goes beyond a bound. It stands in front
-/// of a parser that is fast because it lets much of this pass.
-void checkXml(std::string_view text);
+/// of a parser that is fast because it lets much of this pass, and notes what it found, so that who
+/// only reads needs no parser.
+ScannedXml scanXml(std::string text);
 
 }  // namespace mox::core

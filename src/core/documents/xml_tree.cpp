@@ -16,15 +16,6 @@ constexpr unsigned kParsing = pugi::parse_cdata | pugi::parse_escapes |
                               pugi::parse_wconv_attribute | pugi::parse_eol |
                               pugi::parse_ws_pcdata_single;
 
-std::vector<std::uint32_t> lineBreaksOf(std::string_view text) {
-  std::vector<std::uint32_t> offsets;
-  for (std::size_t at = text.find('\n'); at != std::string_view::npos;
-       at = text.find('\n', at + 1)) {
-    offsets.push_back(static_cast<std::uint32_t>(at));
-  }
-  return offsets;
-}
-
 }  // namespace
 
 XmlTree::XmlTree(std::string const& rootName) {
@@ -35,23 +26,45 @@ XmlTree::XmlTree(std::string const& rootName) {
 }
 
 std::shared_ptr<XmlTree> XmlTree::read(std::string text) {
-  checkXml(text);
+  auto scanned = scanXml(std::move(text));
+  std::shared_ptr<XmlTree> tree(new XmlTree());
+  tree->table_ = std::move(scanned.table);
+  if (scanned.needsParser) {
+    tree->root();
+  }
+  return tree;
+}
+
+std::shared_ptr<XmlTree> XmlTree::ofPart(std::string text, int linesAhead) {
   std::shared_ptr<XmlTree> tree(new XmlTree());
   tree->text_ = std::move(text);
-  tree->lineBreaks_ = lineBreaksOf(tree->text_);
-  pugi::xml_parse_result const result = tree->document_.load_buffer_inplace(
-      tree->text_.data(), tree->text_.size(), kParsing, pugi::encoding_utf8);
+  tree->linesAhead_ = linesAhead;
+  tree->parse();
+  return tree;
+}
+
+pugi::xml_node XmlTree::root() {
+  if (table_) {
+    text_ = table_.use_count() == 1 ? table_->takeText() : table_->text();
+    table_.reset();
+    parse();
+  }
+  return root_;
+}
+
+void XmlTree::parse() {
+  lineBreaks_ = lineBreaksOf(text_);
+  pugi::xml_parse_result const result =
+      document_.load_buffer_inplace(text_.data(), text_.size(), kParsing, pugi::encoding_utf8);
   if (result.status == pugi::status_out_of_memory) {
     throw std::bad_alloc();
   }
-  tree->root_ = tree->document_.document_element();
-  if (!result || !tree->root_) {
-    auto const& breaks = tree->lineBreaks_;
-    auto const line = std::upper_bound(breaks.begin(), breaks.end(), result.offset);
-    throw DocumentError("XML",
-                        "it cannot be read near line " + std::to_string(line - breaks.begin() + 1));
+  root_ = document_.document_element();
+  if (!result || !root_) {
+    auto const line = std::upper_bound(lineBreaks_.begin(), lineBreaks_.end(), result.offset);
+    throw DocumentError(
+        "XML", "it cannot be read near line " + std::to_string(line - lineBreaks_.begin() + 1));
   }
-  return tree;
 }
 
 int XmlTree::lineOf(pugi::xml_node element) const {
@@ -61,7 +74,7 @@ int XmlTree::lineOf(pugi::xml_node element) const {
   }
   auto const line =
       std::lower_bound(lineBreaks_.begin(), lineBreaks_.end(), static_cast<std::uint32_t>(offset));
-  return static_cast<int>(line - lineBreaks_.begin()) + 1;
+  return static_cast<int>(line - lineBreaks_.begin()) + 1 + linesAhead_;
 }
 
 void XmlTree::clear(pugi::xml_node element) {

@@ -19,10 +19,10 @@ ColumnList::OwnColumn ColumnList::append() {
   return columns_.emplace_back(std::make_shared<SQLDataSourceColumn>());
 }
 
-void ColumnList::load(moxXMLNode const& node, char const* element) {
-  for (int i = 0; auto const child = node.childByIndex(i, element); ++i) {
-    append()->load(child);
-  }
+void ColumnList::load(XmlElement const& node, char const* element) {
+  constexpr std::size_t kUsual = 8;
+  columns_.reserve(columns_.size() + kUsual);
+  node.eachChild(element, [this](XmlElement const& child) { append()->loadElement(child); });
   for (auto const& column : columns_) {
     column->updateRelations(this);
   }

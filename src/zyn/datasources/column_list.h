@@ -32,7 +32,8 @@ class ColumnList {
 
   /// Reads a column from each of the node's children of that name, behind those that are there, and
   /// binds what they refer to: references may point forward.
-  void load(moxXMLNode const& node, char const* element);
+  void load(XmlElement const& node, char const* element);
+  void load(moxXMLNode const& node, char const* element) { load(XmlElement(node), element); }
 
   /// Writes a child of that name for each column.
   void save(moxXMLNode& node, char const* element) const;

@@ -4,6 +4,7 @@
 
 #include "mox/core/xml.h"
 #include "mox/zyn/datasources/sql_data_source_column.h"
+#include "zyn/frame/xml_element.h"
 
 /// Elements that refer to a column by its four names. Each kind of element has its own order of
 /// attributes, which is part of the format: files are compared byte by byte.
@@ -34,12 +35,16 @@ inline Names namesOf(moxSQLDataSourceColumn const& column) {
           column.getColumnName()};
 }
 
-inline Names read(moxXMLNode const& node, Order const& order) {
+inline Names read(XmlElement const& element, Order const& order) {
   Names names;
   for (auto const& attribute : order) {
-    names.*attribute.field = node.readAttribute(attribute.name);
+    names.*attribute.field = element.attribute(attribute.name);
   }
   return names;
+}
+
+inline Names read(moxXMLNode const& node, Order const& order) {
+  return read(XmlElement(node), order);
 }
 
 inline void write(moxXMLNode& node, Names const& names, Order const& order) {

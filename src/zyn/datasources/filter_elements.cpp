@@ -4,13 +4,13 @@
 #include "mox/zyn/frame/plugin_entry.h"
 #include "zyn/items/definition_error.h"
 
-std::shared_ptr<moxFilterSpecification> filter_elements::read(
-    std::shared_ptr<moxXMLNode> const& element) {
-  auto filter = moxApp->get<moxFilterSpecification>(element->elementName());
+std::shared_ptr<moxFilterSpecification> filter_elements::read(XmlElement const& element) {
+  auto const name = element.name();
+  auto filter = moxApp->get<moxFilterSpecification>(name);
   if (!filter) {
-    throw definitionError("Filtro inválido: " + element->elementName(), *element,
+    throw definitionError("Filtro inválido: " + name, element,
                           "the class of this name is no filter specification");
   }
-  filter->load(element);
+  loadFrom(*filter, element);
   return filter;
 }

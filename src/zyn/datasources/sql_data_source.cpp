@@ -19,10 +19,11 @@ void appendPiece(std::string& statement, char const* keyWord, std::string const&
 }  // namespace
 
 bool SQLDataSource::load(std::shared_ptr<moxXMLNode> node) {
-  if (!node) {
-    return false;
-  }
-  sql_data_source_xml::read(*this, *node);
+  return node && loadElement(XmlElement(std::move(node)));
+}
+
+bool SQLDataSource::loadElement(XmlElement const& element) {
+  sql_data_source_xml::read(*this, element);
   return true;
 }
 

@@ -10,6 +10,7 @@
 
 /// The definition of a query. Made by the registry: runs and its search take shared pointers to it.
 class SQLDataSource final : public moxSQLDataSource,
+                            public LoadedFromElement,
                             public std::enable_shared_from_this<SQLDataSource> {
  public:
   using OrderColumn = std::pair<Column, bool>;
@@ -20,6 +21,7 @@ class SQLDataSource final : public moxSQLDataSource,
   /// column that there is not and for a composed statement without "from", and moxPluginNotFound
   /// for a filter, formatter or search of an unknown class; the object is then half read.
   bool load(std::shared_ptr<moxXMLNode> node) override;
+  bool loadElement(XmlElement const& element) override;
   bool save(std::shared_ptr<moxXMLNode> node) const override;
 
   std::shared_ptr<moxZYNItem> getZynItemRelated() override;

@@ -24,19 +24,18 @@ constexpr char const* kColumnSourceOrigin = "columnSourceOrigin";
 constexpr int kNewColumnWidth = 100;
 
 // Old files hold more than one digit here, of which the first one counts.
-bool readFlag(moxXMLNode const& node, char const* name) {
-  auto const text = node.readAttribute(name);
-  return !text.empty() && text.front() == '1';
+bool readFlag(XmlElement const& node, char const* name) {
+  return node.withAttribute(name, [](std::string_view text) { return text.starts_with('1'); });
 }
 
-std::shared_ptr<moxGenericFormatter> readFormatter(moxXMLNode const& formatters, char const* use) {
-  auto const element = formatters.childByIndex(0, use);
+std::shared_ptr<moxGenericFormatter> readFormatter(XmlElement const& formatters, char const* use) {
+  auto const element = formatters.child(use);
   if (!element) {
     return {};
   }
-  auto formatter = moxApp->get<moxGenericFormatter>(formatters.readAttribute(use));
+  auto formatter = moxApp->get<moxGenericFormatter>(formatters.attribute(use));
   if (formatter) {
-    formatter->load(element);
+    loadFrom(*formatter, element);
   }
   return formatter;
 }
@@ -123,17 +122,18 @@ void SQLDataSourceColumn::removeAllowedFiltersType(StringPair const& filter) {
 }
 
 bool SQLDataSourceColumn::load(std::shared_ptr<moxXMLNode> node) {
-  if (!node) {
-    return false;
-  }
-  loadAttributes(*node);
-  loadReferences(*node);
-  loadFormatters(*node);
-  loadFiltersType(*node);
-  loadExpression(*node);
-  for (int i = 0; auto const origin = node->childByIndex(i, kColumnSourceOrigin); ++i) {
-    columnOrigin_.push_back(column_reference::read(*origin, column_reference::kTableOriginFirst));
-  }
+  return node && loadElement(XmlElement(std::move(node)));
+}
+
+bool SQLDataSourceColumn::loadElement(XmlElement const& element) {
+  loadAttributes(element);
+  loadReferences(element);
+  loadFormatters(element);
+  loadFiltersType(element);
+  loadExpression(element);
+  element.eachChild(kColumnSourceOrigin, [this](XmlElement const& origin) {
+    columnOrigin_.push_back(column_reference::read(origin, column_reference::kTableOriginFirst));
+  });
   return true;
 }
 
@@ -154,17 +154,17 @@ bool SQLDataSourceColumn::save(std::shared_ptr<moxXMLNode> node) {
   return true;
 }
 
-void SQLDataSourceColumn::loadAttributes(moxXMLNode const& node) {
+void SQLDataSourceColumn::loadAttributes(XmlElement const& node) {
   names_ = column_reference::read(node, column_reference::kTablesApart);
   if (names_.columnName.empty()) {
-    names_.columnName = node.readAttribute("dbName");
+    names_.columnName = node.attribute("dbName");
   }
-  visibleName_ = node.readAttribute("VisibleName");
+  visibleName_ = node.attribute("VisibleName");
   width_ = xml_attributes::readInt(node, "ColumnWidth");
   visible_ = readFlag(node, "Visible");
   avaliable_ = readFlag(node, "Avaliable");
   dbType_ = static_cast<FieldTypes>(xml_attributes::readInt(node, "Type"));
-  dataType_ = node.readAttribute("dataType");
+  dataType_ = node.attribute("dataType");
 }
 
 void SQLDataSourceColumn::saveAttributes(moxXMLNode& node) const {
@@ -180,24 +180,24 @@ void SQLDataSourceColumn::saveAttributes(moxXMLNode& node) const {
 }
 
 /// An element, or in old files an attribute of the same name, which tells no table.
-SQLDataSourceColumn::Reference SQLDataSourceColumn::readReference(moxXMLNode const& node,
+SQLDataSourceColumn::Reference SQLDataSourceColumn::readReference(XmlElement const& node,
                                                                   char const* element) {
-  if (auto const child = node.childByIndex(0, element)) {
-    return {child->readAttribute("tableName"), child->readAttribute("columnName")};
+  if (auto const child = node.child(element)) {
+    return {child.attribute("tableName"), child.attribute("columnName")};
   }
-  return {{}, node.readAttribute(element)};
+  return {{}, node.attribute(element)};
 }
 
-void SQLDataSourceColumn::loadReferences(moxXMLNode const& node) {
+void SQLDataSourceColumn::loadReferences(XmlElement const& node) {
   References read = {readReference(node, kIcon), readReference(node, kKey)};
   bool const isNone = read.icon.isEmpty() && read.key.isEmpty();
   references_ = isNone ? nullptr : std::make_unique<References>(std::move(read));
 }
 
-void SQLDataSourceColumn::loadFormatters(moxXMLNode const& node) {
-  if (auto const formatters = node.childByIndex(0, kFormatters)) {
-    formatter_ = readFormatter(*formatters, kVisual);
-    iconFormatter_ = readFormatter(*formatters, kIconFormatter);
+void SQLDataSourceColumn::loadFormatters(XmlElement const& node) {
+  if (auto const formatters = node.child(kFormatters)) {
+    formatter_ = readFormatter(formatters, kVisual);
+    iconFormatter_ = readFormatter(formatters, kIconFormatter);
   }
 }
 
@@ -209,11 +209,11 @@ void SQLDataSourceColumn::saveFormatters(moxXMLNode& node) const {
   }
 }
 
-void SQLDataSourceColumn::loadFiltersType(moxXMLNode const& node) {
-  auto const list = node.childByIndex(0, kFiltersType);
-  for (int i = 0; auto const filter = list ? list->childByIndex(i) : nullptr; ++i) {
-    allowedFiltersType_.emplace_back(filter->elementName(),
-                                     filter->readAttribute(kVisualRepresentation));
+void SQLDataSourceColumn::loadFiltersType(XmlElement const& node) {
+  if (auto const list = node.child(kFiltersType)) {
+    list.eachChild({}, [this](XmlElement const& filter) {
+      allowedFiltersType_.emplace_back(filter.name(), filter.attribute(kVisualRepresentation));
+    });
   }
 }
 
@@ -227,10 +227,10 @@ void SQLDataSourceColumn::saveFiltersType(moxXMLNode& node) const {
   }
 }
 
-void SQLDataSourceColumn::loadExpression(moxXMLNode const& node) {
-  if (auto const expression = node.childByIndex(0, kExpression)) {
-    sqlColumn_ = {expression->readText(), expression->readAttribute("alias")};
-    sqlColumnIndex_ = xml_attributes::readInt(*expression, "index");
+void SQLDataSourceColumn::loadExpression(XmlElement const& node) {
+  if (auto const expression = node.child(kExpression)) {
+    sqlColumn_ = {expression.text(), expression.attribute("alias")};
+    sqlColumnIndex_ = xml_attributes::readInt(expression, "index");
   }
 }
 

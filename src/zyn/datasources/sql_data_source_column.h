@@ -8,9 +8,10 @@
 
 #include "mox/core/database_connection.h"
 #include "mox/zyn/datasources/sql_data_source_column.h"
+#include "zyn/frame/xml_element.h"
 
 /// The column of SQL sources and of filter sources, which make it themselves.
-class SQLDataSourceColumn final : public moxSQLDataSourceColumn {
+class SQLDataSourceColumn final : public moxSQLDataSourceColumn, public LoadedFromElement {
  public:
   using FieldInfo = moxDatabaseConnection::FieldInfo;
   using Column = std::shared_ptr<moxSQLDataSourceColumn>;
@@ -39,6 +40,7 @@ class SQLDataSourceColumn final : public moxSQLDataSourceColumn {
   }
   bool save(std::shared_ptr<moxXMLNode> node) override;
   bool load(std::shared_ptr<moxXMLNode> node) override;
+  bool loadElement(XmlElement const& element) override;
   void setDataType(std::string const& dataType) override { dataType_ = dataType; }
   std::string getDataType() const override { return dataType_; }
   void setIdColumn(Column column) override { idColumn_ = std::move(column); }
@@ -111,7 +113,7 @@ class SQLDataSourceColumn final : public moxSQLDataSourceColumn {
     Reference key;
   };
 
-  static Reference readReference(moxXMLNode const& node, char const* element);
+  static Reference readReference(XmlElement const& node, char const* element);
   template <class ColumnPointer>
   void bindReferences(ColumnPointer const& column) {
     if (references_->icon.names(*column)) {
@@ -122,11 +124,11 @@ class SQLDataSourceColumn final : public moxSQLDataSourceColumn {
     }
   }
 
-  void loadAttributes(moxXMLNode const& node);
-  void loadReferences(moxXMLNode const& node);
-  void loadFormatters(moxXMLNode const& node);
-  void loadFiltersType(moxXMLNode const& node);
-  void loadExpression(moxXMLNode const& node);
+  void loadAttributes(XmlElement const& node);
+  void loadReferences(XmlElement const& node);
+  void loadFormatters(XmlElement const& node);
+  void loadFiltersType(XmlElement const& node);
+  void loadExpression(XmlElement const& node);
   void saveAttributes(moxXMLNode& node) const;
   void saveFormatters(moxXMLNode& node) const;
   void saveFiltersType(moxXMLNode& node) const;

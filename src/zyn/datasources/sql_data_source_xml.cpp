@@ -66,9 +66,9 @@ constexpr std::array<Role, 4> kRoles = {{
      [](SQLDataSource& source, Column column) { source.setDescricaoColumn(std::move(column)); }},
 }};
 
-void readPiece(SQLDataSource& source, moxXMLNode const& node, Piece const& piece) {
-  if (auto const element = node.childByIndex(0, piece.element)) {
-    (source.*piece.set)(element->readText());
+void readPiece(SQLDataSource& source, XmlElement const& node, Piece const& piece) {
+  if (auto const element = node.child(piece.element)) {
+    (source.*piece.set)(element.text());
   }
 }
 
@@ -102,7 +102,7 @@ std::string adviceOnColumn(SQLDataSource const& source, std::string const& table
 }
 
 Column requireColumn(SQLDataSource const& source, std::string const& table,
-                     std::string const& column, moxXMLNode const& element, char const* message) {
+                     std::string const& column, XmlElement const& element, char const* message) {
   auto const found = source.columnList().find(table, column);
   if (!found) {
     throw definitionError(message, element, adviceOnColumn(source, table, column));
@@ -110,8 +110,8 @@ Column requireColumn(SQLDataSource const& source, std::string const& table,
   return found;
 }
 
-void readComposed(SQLDataSource& source, moxXMLNode const& command) {
-  if (!command.childByIndex(0, kFrom.element)) {
+void readComposed(SQLDataSource& source, XmlElement const& command) {
+  if (!command.child(kFrom.element)) {
     throw definitionError("Fonte de dados " + source.getName() + " sem \"from\"", command,
                           "a statement of type 1 needs a child \"from\", which may be empty");
   }
@@ -121,13 +121,13 @@ void readComposed(SQLDataSource& source, moxXMLNode const& command) {
   }
 }
 
-void readCommand(SQLDataSource& source, moxXMLNode const& command) {
-  if (command.readAttribute("type") == "1") {
+void readCommand(SQLDataSource& source, XmlElement const& command) {
+  if (command.attribute("type") == "1") {
     source.setSQLTipo(moxSQLDataSource::kComposed);
     readComposed(source, command);
   } else {
     source.setSQLTipo(moxSQLDataSource::kPlain);
-    source.setSQL(command.readText());
+    source.setSQL(command.text());
   }
 }
 
@@ -161,32 +161,33 @@ moxSQLDataSourceColumn::FieldTypes databaseTypeOf(moxDataMatrixTypes::Types type
 }
 
 /// Whether there was one.
-bool readShortColumns(SQLDataSource& source, moxXMLNode const& list) {
-  int i = 0;
-  for (; auto const element = list.childByIndex(i); ++i) {
-    auto const type = columnTypeOfTag(element->elementName()).value_or(moxDataMatrixTypes::Int);
+bool readShortColumns(SQLDataSource& source, XmlElement const& list) {
+  bool isAny = false;
+  list.eachChild({}, [&](XmlElement const& element) {
+    auto const type = columnTypeOfTag(element.name()).value_or(moxDataMatrixTypes::Int);
     auto const column = source.columnList().append();
-    column->setColumnName(element->readAttribute("name"));
+    column->setColumnName(element.attribute("name"));
     column->setDbType(databaseTypeOf(type));
-  }
-  return i > 0;
+    isAny = true;
+  });
+  return isAny;
 }
 
-bool isSubqueryAllowed(moxXMLNode const& node) {
-  auto const avoided = node.readAttribute("evitarSubquery");
+bool isSubqueryAllowed(XmlElement const& node) {
+  auto const avoided = node.attribute("evitarSubquery");
   return avoided.empty() || avoided == "0";
 }
 
 // Columns of the short form know neither tables nor expressions, so that a condition can name them
 // only from outside the statement.
-void readColumns(SQLDataSource& source, moxXMLNode const& node) {
-  auto const list = node.childByIndex(0, "Columns");
+void readColumns(SQLDataSource& source, XmlElement const& node) {
+  auto const list = node.child("Columns");
   if (!list) {
     return;
   }
-  if (list->childByIndex(0, kColumn)) {
-    source.columnList().load(*list, kColumn);
-  } else if (readShortColumns(source, *list) && isSubqueryAllowed(node)) {
+  if (list.child(kColumn)) {
+    source.columnList().load(list, kColumn);
+  } else if (readShortColumns(source, list) && isSubqueryAllowed(node)) {
     source.setSQL("select * from ( " + source.plainSql() + " ) command ");
   }
 }
@@ -195,16 +196,19 @@ void writeColumns(SQLDataSource const& source, moxXMLNode& node) {
   source.columnList().save(*node.addChild("Columns"), kColumn);
 }
 
-void readOrder(SQLDataSource& source, moxXMLNode const& node) {
-  auto const list = node.childByIndex(0, "Order");
-  for (int i = 0; auto const by = list ? list->childByIndex(i, "By") : nullptr; ++i) {
-    auto name = by->readAttribute("columnName");
-    if (name.empty()) {
-      name = by->readAttribute("column");
-    }
-    auto column = requireColumn(source, by->readAttribute("tableName"), name, *by,
-                                "Ordem By com coluna inválida");
-    source.addOrderColumn(std::move(column), by->readAttribute("dir") == "Desc");
+void readOrderColumn(SQLDataSource& source, XmlElement const& by) {
+  auto name = by.attribute("columnName");
+  if (name.empty()) {
+    name = by.attribute("column");
+  }
+  auto column =
+      requireColumn(source, by.attribute("tableName"), name, by, "Ordem By com coluna inválida");
+  source.addOrderColumn(std::move(column), by.attribute("dir") == "Desc");
+}
+
+void readOrder(SQLDataSource& source, XmlElement const& node) {
+  if (auto const list = node.child("Order")) {
+    list.eachChild("By", [&](XmlElement const& by) { readOrderColumn(source, by); });
   }
 }
 
@@ -224,24 +228,26 @@ void writeOrder(SQLDataSource const& source, moxXMLNode& node) {
   }
 }
 
-moxSQLDataSource::Relation readRelation(SQLDataSource const& source, moxXMLNode const& element) {
+moxSQLDataSource::Relation readRelation(SQLDataSource const& source, XmlElement const& element) {
   constexpr char const* kMessage = "Relação entre datasources inválida";
-  auto const origin = element.childByIndex(0, "DataSourceOrigin");
+  auto const origin = element.child("DataSourceOrigin");
   if (!origin) {
     throw definitionError(kMessage, element, "it needs a child \"DataSourceOrigin\"");
   }
-  auto column = requireColumn(source, origin->readAttribute("tableName"),
-                              origin->readAttribute("columnName"), *origin, kMessage);
-  return {element.readAttribute("dataSource"), element.readAttribute("columnName"),
-          std::move(column)};
+  auto column = requireColumn(source, origin.attribute("tableName"), origin.attribute("columnName"),
+                              origin, kMessage);
+  return {element.attribute("dataSource"), element.attribute("columnName"), std::move(column)};
 }
 
-void readRelations(SQLDataSource& source, moxXMLNode const& node) {
-  auto const list = node.childByIndex(0, "Relations");
-  auto relations = source.getRelations();
-  for (int i = 0; auto const element = list ? list->childByIndex(i, "Rel") : nullptr; ++i) {
-    relations.push_back(readRelation(source, *element));
+void readRelations(SQLDataSource& source, XmlElement const& node) {
+  auto const list = node.child("Relations");
+  if (!list) {
+    return;
   }
+  auto relations = source.getRelations();
+  list.eachChild("Rel", [&](XmlElement const& element) {
+    relations.push_back(readRelation(source, element));
+  });
   source.setRelations(relations);
 }
 
@@ -263,9 +269,9 @@ void writeRelations(SQLDataSource const& source, moxXMLNode& node) {
 }
 
 /// Of several columns of the names the last one has the role.
-void readRole(SQLDataSource& source, moxXMLNode const& element, Role const& role) {
-  auto const table = element.readAttribute("tableName");
-  auto const name = element.readAttribute("columnName");
+void readRole(SQLDataSource& source, XmlElement const& element, Role const& role) {
+  auto const table = element.attribute("tableName");
+  auto const name = element.attribute("columnName");
   for (auto const& column : source.columnList().columns()) {
     if (column->isCalled(table, name)) {
       role.set(source, column);
@@ -273,14 +279,14 @@ void readRole(SQLDataSource& source, moxXMLNode const& element, Role const& role
   }
 }
 
-void readRoles(SQLDataSource& source, moxXMLNode const& node) {
+void readRoles(SQLDataSource& source, XmlElement const& node) {
   for (auto const& role : kRoles) {
-    if (auto const element = node.childByIndex(0, role.element)) {
-      readRole(source, *element, role);
+    if (auto const element = node.child(role.element)) {
+      readRole(source, element, role);
     }
   }
-  auto const unit = node.childByIndex(0, kUnit);
-  if (unit && unit->readAttribute(kAllowNull) == "1") {
+  auto const unit = node.child(kUnit);
+  if (unit && unit.attribute(kAllowNull) == "1") {
     source.setUnidadeColumn(unitColumnOf(source), true);
   }
 }
@@ -300,28 +306,27 @@ void writeRoles(SQLDataSource const& source, moxXMLNode& node) {
   }
 }
 
-void readFilterOnColumn(SQLDataSource& source, Element const& element) {
+void readFilterOnColumn(SQLDataSource& source, XmlElement const& element) {
   auto const filter = filter_elements::read(element);
   filter->setSQLDataSourceColumn(requireColumn(source, filter->getTableName(), filter->getColumn(),
-                                               *element, "Coluna de Filtro inválida"));
+                                               element, "Coluna de Filtro inválida"));
   source.addFilter(filter);
 }
 
-void readCustomFilters(SQLDataSource& source, moxXMLNode const& list) {
+void readCustomFilters(SQLDataSource& source, XmlElement const& list) {
   filter_elements::readAll(list, [&](auto const& filter) { source.addFilter(filter); });
 }
 
-void readFilters(SQLDataSource& source, moxXMLNode const& node) {
-  auto const filters = node.childByIndex(0, "Filters");
+void readFilters(SQLDataSource& source, XmlElement const& node) {
+  auto const filters = node.child("Filters");
   if (!filters) {
     return;
   }
-  auto const onColumns = filters->childByIndex(0, "column");
-  for (int i = 0; auto const element = onColumns ? onColumns->childByIndex(i) : nullptr; ++i) {
-    readFilterOnColumn(source, element);
+  if (auto const onColumns = filters.child("column")) {
+    onColumns.eachChild({}, [&](XmlElement const& each) { readFilterOnColumn(source, each); });
   }
-  if (auto const custom = filters->childByIndex(0, "custom")) {
-    readCustomFilters(source, *custom);
+  if (auto const custom = filters.child("custom")) {
+    readCustomFilters(source, custom);
   }
 }
 
@@ -340,31 +345,31 @@ void writeFilters(SQLDataSource const& source, moxXMLNode& node) {
   }
 }
 
-void readSearch(SQLDataSource& source, moxXMLNode const& node) {
-  auto const element = node.childByIndex(0, "moxSearch");
+void readSearch(SQLDataSource& source, XmlElement const& node) {
+  auto const element = node.child("moxSearch");
   auto const search = element ? moxApp->get<moxSearch>("moxSearch") : nullptr;
   if (search) {
-    search->load(element);
+    loadFrom(*search, element);
     search->setDataSourceExterno(source.getName(), source.shared_from_this());
     source.setSearch(search);
   }
 }
 
-void readOldForm(SQLDataSource& source, moxXMLNode const& node) {
-  auto const sql = node.childByIndex(0, "Sql");
+void readOldForm(SQLDataSource& source, XmlElement const& node) {
+  auto const sql = node.child("Sql");
   if (!sql) {
     return;
   }
   source.setModoCompatibilidade();
-  source.setSQL(sql->readText());
-  if (auto const columns = node.childByIndex(0, "Columns")) {
-    source.columnList().load(*columns, kColumn);
+  source.setSQL(sql.text());
+  if (auto const columns = node.child("Columns")) {
+    source.columnList().load(columns, kColumn);
   }
-  if (auto const filters = node.childByIndex(0, "Filters")) {
-    readCustomFilters(source, *filters);
+  if (auto const filters = node.child("Filters")) {
+    readCustomFilters(source, filters);
   }
-  auto const general = node.childByIndex(0, "General");
-  auto const mainData = general ? general->readAttribute("mainData") : std::string();
+  auto const general = node.child("General");
+  auto const mainData = general ? general.attribute("mainData") : std::string();
   if (!mainData.empty()) {
     source.setMainColumn(source.columnList().findByName(mainData));
   }
@@ -372,24 +377,24 @@ void readOldForm(SQLDataSource& source, moxXMLNode const& node) {
 
 }  // namespace
 
-void sql_data_source_xml::read(SQLDataSource& source, moxXMLNode const& node) {
-  source.setHeaderName(node.readAttribute("VisibleName"));
-  source.setName(node.readAttribute("name"));
+void sql_data_source_xml::read(SQLDataSource& source, XmlElement const& node) {
+  source.setHeaderName(node.attribute("VisibleName"));
+  source.setName(node.attribute("name"));
   for (auto const& script : kScripts) {
     readPiece(source, node, script);
   }
-  auto const command = node.childByIndex(0, "Command");
+  auto const command = node.child("Command");
   if (!command) {
     readOldForm(source, node);
     return;
   }
-  readCommand(source, *command);
+  readCommand(source, command);
   readColumns(source, node);
   readOrder(source, node);
   readRelations(source, node);
   readRoles(source, node);
   readFilters(source, node);
-  source.setWhereAnd(node.readAttribute("whereand"));
+  source.setWhereAnd(node.attribute("whereand"));
   readSearch(source, node);
 }
 

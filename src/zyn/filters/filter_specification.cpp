@@ -32,8 +32,9 @@ std::shared_ptr<moxPropertiesObject> extraPropertiesOf(std::string const& contro
   }
 }
 
-unsigned readCell(moxXMLNode const& node, char const* attribute) {
-  return static_cast<unsigned>(std::clamp(xml_attributes::readInt(node, attribute), 0, kMaxCell));
+unsigned readCell(XmlElement const& element, char const* attribute) {
+  return static_cast<unsigned>(
+      std::clamp(xml_attributes::readInt(element, attribute), 0, kMaxCell));
 }
 
 }  // namespace
@@ -53,17 +54,18 @@ bool FilterSpecCommons::save(std::shared_ptr<moxXMLNode> node) const {
 }
 
 bool FilterSpecCommons::load(std::shared_ptr<moxXMLNode> node) {
-  if (!node) {
-    return false;
-  }
-  tableName_ = node->readAttribute("tableName");
-  column_ = node->readAttribute("columnName");
-  require_ = xml_attributes::readBool(*node, "require");
-  loadKind(*node);
-  setVisualRepresentation(node->readAttribute("visualRepresentation"));
-  loadExtraProperties(*node);
-  description_ = node->readAttribute("description");
-  loadPosition(*node);
+  return node && loadElement(XmlElement(std::move(node)));
+}
+
+bool FilterSpecCommons::loadElement(XmlElement const& element) {
+  tableName_ = element.attribute("tableName");
+  column_ = element.attribute("columnName");
+  require_ = xml_attributes::readBool(element, "require");
+  loadKind(element);
+  setVisualRepresentation(element.attribute("visualRepresentation"));
+  loadExtraProperties(element);
+  description_ = element.attribute("description");
+  loadPosition(element);
   return true;
 }
 
@@ -86,9 +88,10 @@ void FilterSpecCommons::saveExtraProperties(moxXMLNode& node) const {
   }
 }
 
-void FilterSpecCommons::loadExtraProperties(moxXMLNode const& node) {
+void FilterSpecCommons::loadExtraProperties(XmlElement const& element) {
   if (extraProperties_) {
-    extraProperties_->getProperties()->load(node.childByIndex(0, kExtraProperties));
+    auto const settings = element.child(kExtraProperties);
+    extraProperties_->getProperties()->load(settings ? settings.node() : nullptr);
   }
 }
 
@@ -101,10 +104,10 @@ void FilterSpecCommons::savePosition(moxXMLNode& node) const {
   position->writeAttribute("spanY", decimal->asString(spanY_));
 }
 
-void FilterSpecCommons::loadPosition(moxXMLNode const& node) {
-  if (auto const position = node.childByIndex(0, kPosition)) {
-    setPosition(readCell(*position, "X"), readCell(*position, "Y"));
-    setSpan(readCell(*position, "spanX"), readCell(*position, "spanY"));
+void FilterSpecCommons::loadPosition(XmlElement const& element) {
+  if (auto const position = element.child(kPosition)) {
+    setPosition(readCell(position, "X"), readCell(position, "Y"));
+    setSpan(readCell(position, "spanX"), readCell(position, "spanY"));
   }
 }
 
@@ -160,6 +163,6 @@ void TextFilterSpecCommons::saveKind(moxXMLNode& node) const {
   xml_attributes::writeBool(node, "removePunctuation", removePunctuation_);
 }
 
-void TextFilterSpecCommons::loadKind(moxXMLNode const& node) {
-  removePunctuation_ = xml_attributes::readBool(node, "removePunctuation");
+void TextFilterSpecCommons::loadKind(XmlElement const& element) {
+  removePunctuation_ = xml_attributes::readBool(element, "removePunctuation");
 }

@@ -4,13 +4,15 @@
 #include <string>
 
 #include "mox/zyn/filters/filter_specification.h"
+#include "zyn/frame/xml_element.h"
 
 /// What all filter specifications share: their state and its XML. Derived classes tell the kind of
 /// value, and the concrete ones what becomes of it.
-class FilterSpecCommons : public virtual moxFilterSpecification {
+class FilterSpecCommons : public virtual moxFilterSpecification, public LoadedFromElement {
  public:
   bool save(std::shared_ptr<moxXMLNode> node) const override;
   bool load(std::shared_ptr<moxXMLNode> node) override;
+  bool loadElement(XmlElement const& element) override;
 
   void setTableName(std::string const& tableName) override { tableName_ = tableName; }
   std::string getTableName() const override { return tableName_; }
@@ -46,13 +48,13 @@ class FilterSpecCommons : public virtual moxFilterSpecification {
  private:
   /// What one kind of value has in XML beyond the others.
   virtual void saveKind(moxXMLNode& /*node*/) const {}
-  virtual void loadKind(moxXMLNode const& /*node*/) {}
+  virtual void loadKind(XmlElement const& /*element*/) {}
 
   void saveColumn(moxXMLNode& node) const;
   void saveExtraProperties(moxXMLNode& node) const;
-  void loadExtraProperties(moxXMLNode const& node);
+  void loadExtraProperties(XmlElement const& element);
   void savePosition(moxXMLNode& node) const;
-  void loadPosition(moxXMLNode const& node);
+  void loadPosition(XmlElement const& element);
 
   std::string column_;
   std::string visualRepresentation_;
@@ -89,7 +91,7 @@ class TextFilterSpecCommons : public FilterSpecCommons, public virtual moxTextFi
 
  private:
   void saveKind(moxXMLNode& node) const override;
-  void loadKind(moxXMLNode const& node) override;
+  void loadKind(XmlElement const& element) override;
 
   bool removePunctuation_ = false;
 };

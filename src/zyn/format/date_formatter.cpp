@@ -2,8 +2,10 @@
 
 #include "zyn/format/cell_value.h"
 
-DateFormatter::DateFormatter() : PropertyFormatter("description", "Descrição") {
-  properties()->addStringProperty("mask", "Máscara", &mask_);
+DateFormatter::DateFormatter() : PropertyFormatter("description", "Descrição") {}
+
+void DateFormatter::moreSettings(SettingVisitor const& visitor) {
+  visitor.text("mask", "Máscara", mask_);
 }
 
 std::string DateFormatter::asString(std::shared_ptr<moxIterator const> const& cell) const {

@@ -25,6 +25,8 @@ class DateFormatter final : public PropertyFormatter<moxDateAsString> {
   void appendTo(std::string& out, date_t const& date) const { append(out, date); }
 
  private:
+  void moreSettings(SettingVisitor const& visitor) override;
+
   template <class DateOrMoment>
   void append(std::string& out, DateOrMoment const& value) const {
     if (value) {

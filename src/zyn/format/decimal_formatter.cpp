@@ -1,5 +1,7 @@
 #include "zyn/format/decimal_formatter.h"
 
+#include <utility>
+
 #include "mox/core/xml.h"
 #include "zyn/format/cell_value.h"
 
@@ -15,14 +17,15 @@ bool DecimalFormatter::save(std::shared_ptr<moxXMLNode> node) const {
 }
 
 bool DecimalFormatter::load(std::shared_ptr<moxXMLNode> node) {
-  if (!node) {
-    return false;
-  }
-  settings_.loadTexts(*node);
+  return node && loadElement(XmlElement(std::move(node)));
+}
+
+bool DecimalFormatter::loadElement(XmlElement const& element) {
+  settings_.loadTexts(element);
   settings_.resetNumber();
-  precision_ = static_cast<unsigned int>(readNumber(*node, "precision"));
-  decimalSeparator_ = readByte(*node, "separator");
-  settings_.loadNumber(*node);
+  precision_ = static_cast<unsigned int>(readNumber(element, "precision"));
+  decimalSeparator_ = readByte(element, "separator");
+  settings_.loadNumber(element);
   snapshot_.invalidate();
   return true;
 }

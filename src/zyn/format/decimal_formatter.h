@@ -5,12 +5,14 @@
 
 #include "mox/zyn/format/decimal_formatter.h"
 #include "zyn/format/number_settings.h"
+#include "zyn/frame/xml_element.h"
 
-class DecimalFormatter final : public moxDecimalAsString {
+class DecimalFormatter final : public moxDecimalAsString, public LoadedFromElement {
  public:
   std::string name() const override { return "moxDecimalFormatter"; }
   bool save(std::shared_ptr<moxXMLNode> node) const override;
   bool load(std::shared_ptr<moxXMLNode> node) override;
+  bool loadElement(XmlElement const& element) override;
 
   std::string asString(std::shared_ptr<moxIterator const> const& cell) const override;
   std::string asString(long double value) const override;

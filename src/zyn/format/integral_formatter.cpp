@@ -1,5 +1,7 @@
 #include "zyn/format/integral_formatter.h"
 
+#include <utility>
+
 #include "mox/core/xml.h"
 #include "zyn/format/cell_value.h"
 
@@ -13,12 +15,13 @@ bool IntegralFormatter::save(std::shared_ptr<moxXMLNode> node) const {
 }
 
 bool IntegralFormatter::load(std::shared_ptr<moxXMLNode> node) {
-  if (!node) {
-    return false;
-  }
-  settings_.loadTexts(*node);
+  return node && loadElement(XmlElement(std::move(node)));
+}
+
+bool IntegralFormatter::loadElement(XmlElement const& element) {
+  settings_.loadTexts(element);
   settings_.resetNumber();
-  settings_.loadNumber(*node);
+  settings_.loadNumber(element);
   snapshot_.invalidate();
   return true;
 }

@@ -5,12 +5,14 @@
 
 #include "mox/zyn/format/integral_formatter.h"
 #include "zyn/format/number_settings.h"
+#include "zyn/frame/xml_element.h"
 
-class IntegralFormatter final : public moxIntegralAsString {
+class IntegralFormatter final : public moxIntegralAsString, public LoadedFromElement {
  public:
   std::string name() const override { return "moxIntegralFormatter"; }
   bool save(std::shared_ptr<moxXMLNode> node) const override;
   bool load(std::shared_ptr<moxXMLNode> node) override;
+  bool loadElement(XmlElement const& element) override;
 
   std::string asString(std::shared_ptr<moxIterator const> const& cell) const override;
   std::string asString(long long value) const override;

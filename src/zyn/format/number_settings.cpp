@@ -3,6 +3,7 @@
 #include <cstdlib>
 
 #include "mox/core/xml.h"
+#include "zyn/frame/xml_element.h"
 
 void NumberSettings::resetNumber() {
   groupCount = 0;
@@ -17,10 +18,10 @@ void NumberSettings::saveTexts(moxXMLNode& node) const {
   node.writeAttribute("suffix", suffix);
 }
 
-void NumberSettings::loadTexts(moxXMLNode const& node) {
-  description = node.readAttribute("description");
-  prefix = node.readAttribute("prefix");
-  suffix = node.readAttribute("suffix");
+void NumberSettings::loadTexts(XmlElement const& element) {
+  description = element.attribute("description");
+  prefix = element.attribute("prefix");
+  suffix = element.attribute("suffix");
 }
 
 void NumberSettings::saveNumber(moxXMLNode& node) const {
@@ -36,24 +37,24 @@ void NumberSettings::saveNumber(moxXMLNode& node) const {
   }
 }
 
-void NumberSettings::loadNumber(moxXMLNode const& node) {
-  if (auto const thousand = node.childByIndex(0, "thousand")) {
-    groupCount = static_cast<char>(NumberLayout::groupSizeOf(readNumber(*thousand, "grouping")));
-    groupSeparator = readByte(*thousand, "separator");
+void NumberSettings::loadNumber(XmlElement const& element) {
+  if (auto const thousand = element.child("thousand")) {
+    groupCount = static_cast<char>(NumberLayout::groupSizeOf(readNumber(thousand, "grouping")));
+    groupSeparator = readByte(thousand, "separator");
   }
-  if (auto const span = node.childByIndex(0, "span")) {
-    spanFiller = readByte(*span, "filler");
-    spanSize = static_cast<unsigned int>(readNumber(*span, "width"));
+  if (auto const span = element.child("span")) {
+    spanFiller = readByte(span, "filler");
+    spanSize = static_cast<unsigned int>(readNumber(span, "width"));
   }
 }
 
-int readNumber(moxXMLNode const& node, char const* attribute) {
-  return static_cast<int>(std::strtol(node.readAttribute(attribute).c_str(), nullptr, 10));
+int readNumber(XmlElement const& element, char const* attribute) {
+  return static_cast<int>(std::strtol(element.attribute(attribute).c_str(), nullptr, 10));
 }
 
-char readByte(moxXMLNode const& node, char const* attribute) {
-  auto const text = node.readAttribute(attribute);
-  return text.empty() ? '\0' : text.front();
+char readByte(XmlElement const& element, char const* attribute) {
+  return element.withAttribute(
+      attribute, [](std::string_view text) { return text.empty() ? '\0' : text.front(); });
 }
 
 void writeByte(moxXMLNode& node, char const* attribute, char byte) {

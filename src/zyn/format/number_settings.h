@@ -7,6 +7,7 @@
 
 #include "zyn/format/number_text.h"
 
+class XmlElement;
 class moxXMLNode;
 
 /// Settings that both kinds of number formatters have, and their XML.
@@ -24,22 +25,22 @@ struct NumberSettings {
 
   /// The attributes of the element. Precondition: the node is not empty.
   void saveTexts(moxXMLNode& node) const;
-  void loadTexts(moxXMLNode const& node);
+  void loadTexts(XmlElement const& element);
 
   /// The elements `thousand` and `span`: written where they say something, and where they are
   /// absent the settings stay.
   void saveNumber(moxXMLNode& node) const;
-  void loadNumber(moxXMLNode const& node);
+  void loadNumber(XmlElement const& element);
 
   /// Digits in a group for the engine; 0 for none.
   unsigned int groupSize() const { return NumberLayout::groupSizeOf(groupCount); }
 };
 
 /// A number in an attribute, as atoi reads it: 0 for a text that begins with none.
-int readNumber(moxXMLNode const& node, char const* attribute);
+int readNumber(XmlElement const& element, char const* attribute);
 
 /// A byte in an attribute; the empty attribute is NUL, which XML cannot hold.
-char readByte(moxXMLNode const& node, char const* attribute);
+char readByte(XmlElement const& element, char const* attribute);
 void writeByte(moxXMLNode& node, char const* attribute, char byte);
 
 /// Separators and group size as they were when a formatter was first used after its groups were

@@ -1,23 +1,34 @@
 #pragma once
 
 #include <memory>
+#include <mutex>
 
 #include "mox/zyn/format/properties_collection.h"
 
-class moxPropertiesObject;
-
-/// An owner's hold on its collection: made by the registry, told its owner, and detached when the
-/// owner goes, since its properties may be held for longer. A member of the owner.
-class OwnedProperties {
+/// An owner's hold on its collection: made by the registry when somebody first asks for it, and
+/// detached when the owner goes, since its properties may be held for longer. A member of the
+/// owner. Owners are shared by threads, so making it is guarded.
+class LazyProperties {
  public:
-  explicit OwnedProperties(moxPropertiesObject& owner);
-  ~OwnedProperties();
-  OwnedProperties(OwnedProperties const&) = delete;
-  OwnedProperties& operator=(OwnedProperties const&) = delete;
+  LazyProperties() = default;
+  ~LazyProperties();
+  LazyProperties(LazyProperties const&) = delete;
+  LazyProperties& operator=(LazyProperties const&) = delete;
 
-  moxPropertiesCollection* operator->() const { return collection_.get(); }
-  std::shared_ptr<moxPropertiesCollection> const& shared() const { return collection_; }
+  /// `fill` tells a new collection its owner and gives it its properties.
+  template <class Fill>
+  std::shared_ptr<moxPropertiesCollection> get(Fill const& fill) const {
+    std::call_once(made_, [&] {
+      auto collection = newCollection();
+      fill(*collection);
+      collection_ = std::move(collection);
+    });
+    return collection_;
+  }
 
  private:
-  std::shared_ptr<moxPropertiesCollection> collection_;
+  static std::shared_ptr<moxPropertiesCollection> newCollection();
+
+  mutable std::once_flag made_;
+  mutable std::shared_ptr<moxPropertiesCollection> collection_;
 };

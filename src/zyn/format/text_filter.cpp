@@ -9,10 +9,12 @@ constexpr char const* kDefaultPattern = "[^a-zA-Z0-9 ]";
 
 }  // namespace
 
-TextFilter::TextFilter() : PropertyFormatter("name", "Nome"), asciiPattern_(kDefaultPattern) {
-  properties()->addBooleanProperty("upper", "Tornar maiúsculas", &upper_);
-  properties()->addBooleanProperty("asciiOnly", "Somente ASCII", &asciiOnly_);
-  properties()->addBooleanProperty("trim", "Remover Espaços iniciais e finais", &trim_);
+TextFilter::TextFilter() : PropertyFormatter("name", "Nome"), asciiPattern_(kDefaultPattern) {}
+
+void TextFilter::moreSettings(SettingVisitor const& visitor) {
+  visitor.flag("upper", "Tornar maiúsculas", upper_);
+  visitor.flag("asciiOnly", "Somente ASCII", asciiOnly_);
+  visitor.flag("trim", "Remover Espaços iniciais e finais", trim_);
 }
 
 // A pattern that is none is kept, and complains when it is used.

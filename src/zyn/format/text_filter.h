@@ -20,6 +20,7 @@ class TextFilter final : public PropertyFormatter<moxTextFilter> {
   void setTrim(bool enable) override { trim_ = enable; }
 
  private:
+  void moreSettings(SettingVisitor const& visitor) override;
   void removePattern(std::string& text) const;
 
   bool upper_ = false;

@@ -8,6 +8,7 @@
 #include "mox/core/xml.h"
 #include "mox/zyn/frame/plugin_entry.h"
 #include "mox/zyn/items/zyn_load_report.h"
+#include "zyn/frame/xml_element.h"
 #include "zyn/items/definition_error.h"
 
 /// Lists of objects of many classes in XML: an element each, named like the registered class. `T`
@@ -33,16 +34,15 @@ enum class Reading { kTaken, kRefused, kUnknown };
 /// `item` empty. Unknown is an element whose class, or a class that it needs in turn, nobody has
 /// registered; `reason` then says which. Other failures pass, with the element in their details.
 template <class T>
-Reading read(std::shared_ptr<moxXMLNode> const& element, std::shared_ptr<T>& item,
-             std::string& reason) {
+Reading read(XmlElement const& element, std::shared_ptr<T>& item, std::string& reason) {
   try {
-    item = moxApp->get<T>(element->elementName());
-    return !item || item->load(element) ? Reading::kTaken : Reading::kRefused;
+    item = moxApp->get<T>(element.name());
+    return !item || loadFrom(*item, element) ? Reading::kTaken : Reading::kRefused;
   } catch (moxPluginNotFound const& error) {
     reason = error.errorMessage();
     return Reading::kUnknown;
   } catch (moxError const& error) {
-    throw itemFailure(error, *element);
+    throw itemFailure(error, element);
   }
 }
 
@@ -50,22 +50,25 @@ Reading read(std::shared_ptr<moxXMLNode> const& element, std::shared_ptr<T>& ite
 /// pointer for a class that is no `T`. An object that refuses its element ends the list. Gives the
 /// elements of unknown classes, which do no harm to the others.
 template <class T, class Append>
-std::vector<moxZYNSkippedElement> load(moxXMLNode const& node, Append const& append) {
+std::vector<moxZYNSkippedElement> load(XmlElement const& list, Append const& append) {
   std::vector<moxZYNSkippedElement> skipped;
-  for (int i = 0; auto const element = node.childByIndex(i); ++i) {
+  list.eachChild({}, [&](XmlElement const& element) {
     std::shared_ptr<T> item;
     std::string reason;
     Reading const reading = read(element, item, reason);
-    if (reading == Reading::kRefused) {
-      break;
-    }
     if (reading == Reading::kTaken) {
       append(std::move(item));
-    } else {
-      skipped.push_back({element->elementName(), element->line(), reason, {}, {}});
+    } else if (reading == Reading::kUnknown) {
+      skipped.push_back({element.name(), element.line(), reason, {}, {}});
     }
-  }
+    return reading != Reading::kRefused;
+  });
   return skipped;
+}
+
+template <class T, class Append>
+std::vector<moxZYNSkippedElement> load(moxXMLNode const& node, Append const& append) {
+  return load<T>(XmlElement(node), append);
 }
 
 }  // namespace polymorphic_list

@@ -5,15 +5,24 @@
 #include <string_view>
 
 #include "mox/core/xml.h"
+#include "zyn/frame/xml_element.h"
 
 /// Values as definitions keep them in attributes. Reading never fails: what is absent or no value
 /// of the kind gives the default. Writing always gives what reading takes.
 namespace xml_attributes {
 
 /// "1" is true and "0" is false.
-inline bool readBool(moxXMLNode const& node, std::string_view name, bool defaultValue = false) {
-  auto const text = node.readAttribute(name);
+inline bool boolOf(std::string_view text, bool defaultValue = false) {
   return text == "1" || (text != "0" && defaultValue);
+}
+
+inline bool readBool(moxXMLNode const& node, std::string_view name, bool defaultValue = false) {
+  return boolOf(node.readAttribute(name), defaultValue);
+}
+
+inline bool readBool(XmlElement const& element, std::string_view name, bool defaultValue = false) {
+  return element.withAttribute(name,
+                               [&](std::string_view text) { return boolOf(text, defaultValue); });
 }
 
 inline void writeBool(moxXMLNode& node, std::string_view name, bool value) {
@@ -30,6 +39,11 @@ inline int intOf(std::string_view text, int defaultValue = 0) {
 
 inline int readInt(moxXMLNode const& node, std::string_view name, int defaultValue = 0) {
   return intOf(node.readAttribute(name), defaultValue);
+}
+
+inline int readInt(XmlElement const& element, std::string_view name, int defaultValue = 0) {
+  return element.withAttribute(name,
+                               [&](std::string_view text) { return intOf(text, defaultValue); });
 }
 
 inline void writeInt(moxXMLNode& node, std::string_view name, int value) {

@@ -1,5 +1,7 @@
 #include "zyn/items/zyn_collection.h"
 
+#include <typeinfo>
+
 #include "mox/core/xml.h"
 #include "zyn/items/polymorphic_list.h"
 
@@ -29,15 +31,30 @@ bool zynCollection::unserialize(std::shared_ptr<moxXMLNode> node) {
   if (!node) {
     return false;
   }
-  parentLibraryName_ = node->readAttribute(kLibrary);
+  withElementOf(*node, [this](XmlElement const& element) { read(element); });
+  return true;
+}
+
+/// Whether items of that class tell what they passed over.
+bool zynCollection::appendReport(moxZYNItem const& item) {
+  auto const* const report = dynamic_cast<moxZYNLoadReport const*>(&item);
+  if (report != nullptr) {
+    append(skipped_, report->skippedElements());
+  }
+  return report != nullptr;
+}
+
+void zynCollection::read(XmlElement const& element) {
+  parentLibraryName_ = element.attribute(kLibrary);
+  std::type_info const* silent = nullptr;  // class of the last one that reports nothing
   append(skipped_,
-         polymorphic_list::load<moxZYNItem>(*node, [this](std::shared_ptr<moxZYNItem> item) {
-           if (auto const* const report = dynamic_cast<moxZYNLoadReport const*>(item.get())) {
-             append(skipped_, report->skippedElements());
+         polymorphic_list::load<moxZYNItem>(element, [&](std::shared_ptr<moxZYNItem> item) {
+           auto const* const object = item.get();
+           if (object != nullptr && (silent == nullptr || typeid(*object) != *silent)) {
+             silent = appendReport(*object) ? silent : &typeid(*object);
            }
            items_.append(std::move(item));
          }));
-  return true;
 }
 
 std::shared_ptr<moxZYNItem> zynCollection::findItem(std::string const& description) const {

@@ -8,6 +8,8 @@
 #include "mox/zyn/items/zyn_load_report.h"
 #include "zyn/items/typed_collection.h"
 
+class XmlElement;
+
 class zynCollection final : public moxZYNCollection, public moxZYNLoadReport {
  public:
   std::string name() const override { return "moxZYNCollection"; }
@@ -27,6 +29,9 @@ class zynCollection final : public moxZYNCollection, public moxZYNLoadReport {
   void setFile(std::string const& path) { file_ = path; }
 
  private:
+  void read(XmlElement const& element);
+  bool appendReport(moxZYNItem const& item);
+
   moxSortableTypedCollectionImplementation<moxZYNItem, zynCollection> items_;
   std::string parentLibraryName_;
   std::string file_;

@@ -3,6 +3,7 @@
 #include <thread>
 #include <vector>
 
+#include "mox/zyn/format/properties_collection.h"
 #include "unit/format/formatter_fixture.h"
 #include "zyn/format/date_formatter.h"
 #include "zyn/format/decimal_formatter.h"
@@ -68,6 +69,17 @@ TEST_F(FormatterThreads, ShareATextFilter) {
   TextFilter filter;
   filter.setAsciiOnly(true, "[^a-z]");
   expectAllToRead("maca", [&] { return filter.asString(std::string("1 maçã")); });
+}
+
+TEST_F(FormatterThreads, GetTheSamePropertiesOfADateFormatter) {
+  DateFormatter formatter;
+  formatter.setMask("%d/%m/%Y");
+  expectAllToRead("4 %d/%m/%Y", [&] {
+    auto const collection = formatter.getProperties();
+    auto const mask = std::dynamic_pointer_cast<moxStringProperty const>(
+        collection->findProperty("mask", typeid(moxStringProperty)));
+    return std::to_string(collection->getProperties().size()) + " " + mask->get();
+  });
 }
 
 }  // namespace

@@ -1,0 +1,60 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "mox/core/xml_table.h"
+
+namespace mox::core {
+
+/// Offsets of the line ends of a text, ascending.
+std::vector<std::uint32_t> lineBreaksOf(std::string_view text);
+
+/// The elements of a text, and the text. Filled by the scanner, which knows the text to be right.
+class XmlTable final : public moxXMLTable {
+ public:
+  explicit XmlTable(std::string text);
+  XmlTable(XmlTable const&) = delete;
+  XmlTable& operator=(XmlTable const&) = delete;
+
+  std::shared_ptr<moxXMLNode> nodeOf(std::uint32_t element) const override;
+  int lineOf(std::uint32_t element) const override;
+
+  std::string const& text() const { return content_; }
+  std::string takeText() { return std::move(content_); }
+
+  // For the scanner. Places are offsets in the text.
+
+  /// An element with a tag that begins with that name, below `depth - 1` others; gives its number.
+  std::uint32_t open(std::size_t nameAt, std::size_t nameSize, std::size_t depth);
+
+  /// `isPlain` says that the value holds nothing that reads otherwise than it stands.
+  void attribute(std::size_t nameAt, std::size_t nameSize, std::string_view value, bool isPlain);
+
+  /// A piece of the element's own text. White space is to be told only right before the end tag.
+  void text(std::uint32_t element, std::string_view piece, bool isBlank);
+
+  /// Something else stands inside: its text can then be in pieces.
+  void mix(std::uint32_t element) { list_[element].isMixed = 1; }
+  void close(std::uint32_t element, std::size_t tagsEnd);
+
+  /// To be called once, behind the last one.
+  void finish();
+
+ private:
+  std::uint32_t offsetOf(std::string_view part) const {
+    return static_cast<std::uint32_t>(part.data() - content_.data());
+  }
+
+  std::string content_;
+  std::string values_;  // those that read otherwise than they stand
+  std::vector<Element> list_;
+  std::vector<Attribute> attributeList_;
+  mutable std::vector<std::uint32_t> lineBreaks_;  // made when the first line is asked for
+};
+
+}  // namespace mox::core
