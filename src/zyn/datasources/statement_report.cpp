@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "mox/core/application.h"
+#include "mox/core/error.h"
 #include "mox/core/many_values.h"
 #include "mox/zyn/frame/plugin_entry.h"
 
