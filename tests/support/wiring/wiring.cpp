@@ -86,6 +86,19 @@ Member const* Group::find(std::string const& member) const {
   return found == members.end() ? nullptr : &*found;
 }
 
+Member const* Group::queryBehind(Member const* member) const {
+  while (auto const* const chained = std::get_if<FilterSource>(&member->source)) {
+    member = find(member->target(chained->source));
+  }
+  return member;
+}
+
+Member const* Wiring::changedFromOutside(Member const& filterSource) const {
+  auto const& aim = std::get<FilterSource>(filterSource.source).source;
+  auto const mark = aim.find("->");
+  return group.find(mark == std::string::npos ? group.filterSource : aim.substr(mark + 2));
+}
+
 bool Wiring::isFlat() const {
   return std::none_of(group.members.begin(), group.members.end(), [](Member const& member) {
     return member.isExternal || std::holds_alternative<std::shared_ptr<Group>>(member.source);

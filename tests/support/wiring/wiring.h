@@ -157,6 +157,9 @@ struct Group {
   std::string filterSource;
 
   Member const* find(std::string const& member) const;
+
+  /// The query at the end of the chain of filter sources that begins with `member`.
+  Member const* queryBehind(Member const* member) const;
 };
 
 /// A filter that is given to the run.
@@ -172,8 +175,13 @@ struct Given {
 
 struct Wiring {
   Group group;
+  std::vector<Member> outside;  // filter sources that whoever runs the group has change a member
   std::vector<Given> given;
   std::vector<int> units;
+
+  /// The member that a filter source from outside changes: the one that it aims at, "x->member", or
+  /// the one that the group's filters go to.
+  Member const* changedFromOutside(Member const& filterSource) const;
 
   /// Nothing but queries, filter sources and managers, all held: a run may be put together by hand.
   bool isFlat() const;

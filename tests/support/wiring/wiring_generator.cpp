@@ -1,7 +1,7 @@
 #include <algorithm>
 #include <map>
-#include <random>
 
+#include "support/wiring/chance.h"
 #include "support/wiring/wiring.h"
 
 namespace mox_test::wiring {
@@ -10,31 +10,6 @@ namespace {
 constexpr int kTables = 4;
 constexpr int kUnits = 3;
 constexpr int kValues = 6;
-
-/// Choices that are the same on every machine.
-class Chance {
- public:
-  explicit Chance(unsigned seed) : generator_(seed) {}
-
-  /// 0 to `limit` - 1.
-  int below(int limit) { return static_cast<int>(generator_() % static_cast<unsigned>(limit)); }
-  bool percent(int likely) { return below(100) < likely; }
-
-  template <class T>
-  T const& oneOf(std::vector<T> const& choices) {
-    return choices[static_cast<std::size_t>(below(static_cast<int>(choices.size())))];
-  }
-
-  template <class T>
-  void shuffle(std::vector<T>& values) {
-    for (std::size_t i = values.size(); i > 1; --i) {
-      std::swap(values[i - 1], values[static_cast<std::size_t>(below(static_cast<int>(i)))]);
-    }
-  }
-
- private:
-  std::mt19937 generator_;
-};
 
 int valueOf(Chance& chance, int column) {
   switch (column) {
@@ -112,6 +87,9 @@ class Generator {
     Wiring wiring;
     wiring.group = group(0, {});
     wiring.given = given_;
+    if (chance_.percent(25)) {
+      addFromOutside(wiring);
+    }
     for (int unit = 1; unit <= kUnits; ++unit) {
       if (chance_.percent(65)) {
         wiring.units.push_back(unit);
@@ -137,6 +115,9 @@ class Generator {
       addMember(made, queries, name, depth, inside);
     }
     relateByValues(made);
+    if (depth == 0) {
+      queries_ = queries;
+    }
     std::vector<std::string> withRows;
     for (auto const& member : made.members) {
       giveTo(member, path);
@@ -244,22 +225,42 @@ class Generator {
 
   FilterSource filterSource(Group const& made, std::map<std::string, QueryState>& queries,
                             Member& member) {
-    std::vector<Member const*> targets;
-    for (auto const& each : made.members) {
+    auto const* const target = chance_.oneOf(changeable(made));
+    auto filter = change(queries[made.queryBehind(target)->name]);
+    filter.source = nameFor(member, target->name);
+    tables_[member.name] = filter.table;
+    return filter;
+  }
+
+  static std::vector<Member const*> changeable(Group const& group) {
+    std::vector<Member const*> members;
+    for (auto const& each : group.members) {
       if (std::holds_alternative<SqlSource>(each.source) ||
           std::holds_alternative<FilterSource>(each.source)) {
-        targets.push_back(&each);
+        members.push_back(&each);
       }
     }
-    auto const* at = chance_.oneOf(targets);
-    FilterSource filter;
-    filter.source = nameFor(member, at->name);
-    while (auto const* const chained = std::get_if<FilterSource>(&at->source)) {
-      at = made.find(at->target(chained->source));
+    return members;
+  }
+
+  void addFromOutside(Wiring& wiring) {
+    auto const members = changeable(wiring.group);
+    if (members.empty()) {
+      return;
     }
-    auto& state = queries[at->name];
+    auto const* const target = chance_.oneOf(members);
+    auto filter = change(queries_[wiring.group.queryBehind(target)->name]);
+    bool const isFilterSource = target->name == wiring.group.filterSource;
+    filter.source = isFilterSource && chance_.percent(50) ? "" : "x->" + target->name;
+    Member outside;
+    outside.name = outside.definition = fresh("o");
+    outside.source = filter;
+    wiring.outside.push_back(outside);
+  }
+
+  FilterSource change(QueryState& state) {
+    FilterSource filter;
     filter.table = state.table;
-    tables_[member.name] = state.table;
     addTexts(filter, state);
     addColumns(filter, state);
     for (int i = chance_.percent(50) ? 1 + chance_.below(2) : 0; i > 0; --i) {
@@ -450,7 +451,8 @@ class Generator {
   Chance chance_;
   bool isFlat_ = false;
   int names_ = 0;
-  std::map<std::string, int> tables_;  // the first table of a member's rows
+  std::map<std::string, QueryState> queries_;  // of the outermost group
+  std::map<std::string, int> tables_;          // the first table of a member's rows
   std::vector<Given> given_;
 };
 

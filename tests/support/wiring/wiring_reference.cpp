@@ -355,6 +355,12 @@ class GroupRun {
     for (auto const& member : group_.members) {
       std::visit([&](auto const& source) { wire(member, source); }, member.source);
     }
+    if (path_.empty()) {
+      for (auto const& outside : wiring_.outside) {
+        auto const* const query = group_.queryBehind(wiring_.changedFromOutside(outside));
+        influences_[query->name].filters.push_back(&std::get<FilterSource>(outside.source));
+      }
+    }
     for (auto const& member : group_.members) {
       std::visit([&](auto const& source) { evaluate(member, source); }, member.source);
     }
@@ -375,11 +381,7 @@ class GroupRun {
   void wire(Member const&, std::shared_ptr<Group> const&) {}
 
   void wire(Member const& member, FilterSource const& filter) {
-    auto const* at = &member;
-    while (auto const* const chained = std::get_if<FilterSource>(&at->source)) {
-      at = group_.find(at->target(chained->source));
-    }
-    influences_[at->name].filters.push_back(&filter);
+    influences_[group_.queryBehind(&member)->name].filters.push_back(&filter);
   }
 
   void wire(Member const& member, Manager const& manager) {

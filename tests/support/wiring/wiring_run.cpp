@@ -214,6 +214,11 @@ class HandmadeRun {
       executions_[member.name] = source->createExecution();
       std::visit([&](auto const& kind) { wire(member, kind); }, member.source);
     }
+    for (auto const& outside : wiring.outside) {
+      auto const* const changed = wiring.group.queryBehind(wiring.changedFromOutside(outside));
+      query(changed->name)
+          ->addFiltersDataSource(definition<moxFilterDataSource>(host, sourceXml(outside)));
+    }
   }
 
   Context run() {
@@ -241,13 +246,10 @@ class HandmadeRun {
     }
   }
 
-  void wire(Member const& member, FilterSource const& filter) {
-    auto const* at = wiring_.group.find(filter.source);
-    while (auto const* const chained = std::get_if<FilterSource>(&at->source)) {
-      at = wiring_.group.find(chained->source);
-    }
-    query(at->name)->addFiltersDataSource(
-        std::dynamic_pointer_cast<moxFilterDataSource>(sources_.at(member.name)));
+  void wire(Member const& member, FilterSource const&) {
+    query(wiring_.group.queryBehind(&member)->name)
+        ->addFiltersDataSource(
+            std::dynamic_pointer_cast<moxFilterDataSource>(sources_.at(member.name)));
   }
 
   void wire(Member const& member, Manager const&) {
@@ -297,12 +299,17 @@ void enterExternals(TestHost& host, Group const& group) {
 std::string differencesAsGroup(TestHost& host, Tables const& tables, Wiring const& wiring) {
   enterExternals(host, wiring.group);
   auto const group = definition<moxGroupDataSource>(host, groupXml(wiring.group));
+  auto const execution =
+      std::dynamic_pointer_cast<moxGroupDataSourceExecution>(group->createExecution());
+  for (auto const& outside : wiring.outside) {
+    execution->addFiltersDataSource(definition<moxFilterDataSource>(host, sourceXml(outside)));
+  }
   bool const isRenamed = wiring.units.size() % 2 == 1;
   auto const root = isRenamed ? std::string(kTarget) : wiring.group.name;
   auto const context = host.get<moxDataSourceExecutionContext>("moxDataSourceExecutionContext");
   give(host, context, wiring, [&](Given const& given) { return aimOf(wiring, given, root); });
-  context->processDataSources({}, {{isRenamed ? kTarget : "", {false, group->createExecution()}}},
-                              wiring.units, 0);
+  context->processDataSources({}, {{isRenamed ? kTarget : "", {false, execution}}}, wiring.units,
+                              0);
   return compare("the group", context->getDataMatrix(root), evaluateOutput(tables, wiring));
 }
 

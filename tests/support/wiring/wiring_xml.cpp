@@ -313,6 +313,9 @@ std::string describe(Wiring const& wiring) {
   for (auto const& definition : externalXml(wiring.group)) {
     text += "outside: " + definition + "\n";
   }
+  for (auto const& outside : wiring.outside) {
+    text += "changes from outside: " + sourceXml(outside) + "\n";
+  }
   for (auto const& given : wiring.given) {
     text += std::string(given.isFixed ? "fixed" : "given") + (given.atGroup ? " at group" : "");
     for (auto const& step : given.path) {
