@@ -6,6 +6,10 @@
 #include <cstdint>
 #include <cstring>
 
+#if defined(__x86_64__)
+#include <immintrin.h>
+#endif
+
 #include "zyn/expressions/arithmetic.h"
 #include "zyn/operations/column_operation.h"
 #include "zyn/operations/exact_power.h"
@@ -13,6 +17,15 @@
 namespace {
 
 using moxExParser::Opcode;
+
+bool hasAvx2() {
+#if defined(__x86_64__)
+  static bool const has = __builtin_cpu_supports("avx2") != 0;
+  return has;
+#else
+  return false;
+#endif
+}
 
 struct Values {
   double const* __restrict values;
@@ -32,14 +45,17 @@ void loop(Left left, Right right, double* __restrict results, std::size_t count,
   }
 }
 
-/// Two constants are folded when an expression is compiled, so one side at least is an array.
 template <class Compute>
 void binary(BlockOperand const& left, BlockOperand const& right, double* results, std::size_t count,
             Compute const& compute) {
-  if (left.values == nullptr) {
-    loop(Repeated{left.constant}, Values{right.values}, results, count, compute);
+  Repeated const leftValue{left.constant};
+  Repeated const rightValue{right.constant};
+  if (left.values == nullptr && right.values == nullptr) {
+    loop(leftValue, rightValue, results, count, compute);
+  } else if (left.values == nullptr) {
+    loop(leftValue, Values{right.values}, results, count, compute);
   } else if (right.values == nullptr) {
-    loop(Values{left.values}, Repeated{right.constant}, results, count, compute);
+    loop(Values{left.values}, rightValue, results, count, compute);
   } else {
     loop(Values{left.values}, Values{right.values}, results, count, compute);
   }
@@ -62,7 +78,7 @@ std::size_t rowsBeforeZero(BlockOperand const& divisor, std::size_t count) {
 
 void raise(BlockOperand const& left, BlockOperand const& right, double* results,
            std::size_t count) {
-  if (right.values == nullptr && exact_power::isKnown(right.constant)) {
+  if (left.values != nullptr && right.values == nullptr && exact_power::isKnown(right.constant)) {
     exact_power::powers(left.values, right.constant, results, count);
     return;
   }
@@ -75,32 +91,12 @@ template <class Compute>
 void places(BlockOperand const& left, BlockOperand const& right, double* results, std::size_t count,
             Compute const& compute) {
   if (right.values == nullptr) {
-    double const scale = moxExParser::scaleFor(right.constant);
-    loop(Values{left.values}, Repeated{scale}, results, count, compute);
+    binary(left, {nullptr, moxExParser::scaleFor(right.constant)}, results, count, compute);
     return;
   }
   binary(left, right, results, count, [&](double value, double wanted) {
     return compute(value, moxExParser::scaleFor(wanted));
   });
-}
-
-/// Puts 0 where the rows from `first` on are null; `place` tells of row `first`.
-void clearNulls(NullBits const& nulls, std::size_t first, std::size_t count, double* place) {
-  constexpr std::size_t kBits = NullBits::kBitsPerWord;
-  std::uint64_t const* const words = nulls.words();
-  std::size_t const end = first + count;
-  for (std::size_t row = first; row < end;) {
-    std::size_t const bit = row % kBits;
-    std::size_t const rows = std::min(kBits - bit, end - row);
-    std::uint64_t word = words[row / kBits] >> bit;
-    if (rows < kBits) {
-      word &= (std::uint64_t{1} << rows) - 1;
-    }
-    for (; word != 0; word &= word - 1) {
-      place[row - first + static_cast<std::size_t>(std::countr_zero(word))] = 0.0;
-    }
-    row += rows;
-  }
 }
 
 bool hasNulls(NullBits const& nulls, std::size_t first, std::size_t count) {
@@ -123,12 +119,81 @@ void convert(int const* cells, std::size_t count, double* place) {
   }
 }
 
-/// Copies rows that exist.
+constexpr std::size_t kWordRows = NullBits::kBitsPerWord;
+
+template <class T>
+void copyCells(T const* cells, std::size_t count, std::uint64_t nulls, double* place) {
+  convert(cells, count, place);
+  for (; nulls != 0; nulls &= nulls - 1) {
+    place[std::countr_zero(nulls)] = 0.0;
+  }
+}
+
+#if defined(__x86_64__)
+/// What stays of four doubles, by the bits that tell which of them are null.
+struct KeptParts {
+  constexpr KeptParts() {
+    for (unsigned int nulls = 0; nulls < 16; ++nulls) {
+      for (unsigned int row = 0; row < 4; ++row) {
+        bits[nulls][row] = (nulls >> row & 1U) != 0 ? 0 : ~std::uint64_t{0};
+      }
+    }
+  }
+
+  alignas(32) std::uint64_t bits[16][4] = {};
+};
+
+constexpr KeptParts kKeptParts;
+
+/// The rows of a later block, which memory brings while the block at hand is computed.
+constexpr std::size_t kRowsAhead = 1024;
+
+/// All rows of a word, whose nulls are masked out on the way: compilers make an instruction of
+/// short copies that takes three times as long, before any null is looked at.
+[[gnu::target("avx2")]] void copyWordAvx2(double const* cells, std::uint64_t nulls, double* place) {
+  for (std::size_t row = 0; row < kWordRows; row += 4) {
+    if (row % 8 == 0) {
+      __builtin_prefetch(cells + row + kRowsAhead);
+    }
+    auto const* const kept = reinterpret_cast<double const*>(kKeptParts.bits[nulls & 15U]);
+    _mm256_storeu_pd(place + row,
+                     _mm256_and_pd(_mm256_loadu_pd(cells + row), _mm256_load_pd(kept)));
+    nulls >>= 4;
+  }
+}
+#endif
+
+void copyWord(double const* cells, std::uint64_t nulls, double* place) {
+#if defined(__x86_64__)
+  if (hasAvx2()) {
+    copyWordAvx2(cells, nulls, place);
+    return;
+  }
+#endif
+  copyCells(cells, kWordRows, nulls, place);
+}
+
+void copyWord(int const* cells, std::uint64_t nulls, double* place) {
+  copyCells(cells, kWordRows, nulls, place);
+}
+
+/// Copies rows that exist, with 0 for nulls.
 template <class T>
 void copyRows(ColumnStorage<T> const& storage, std::size_t first, std::size_t count,
               double* place) {
-  convert(storage.values.cells() + first, count, place);
-  clearNulls(storage.nulls, first, count, place);
+  T const* const cells = storage.values.cells();
+  std::size_t const end = first + count;
+  for (std::size_t row = first; row < end;) {
+    std::size_t const bit = row % kWordRows;
+    std::size_t const rows = std::min(kWordRows - bit, end - row);
+    std::uint64_t const nulls = storage.nulls.words()[row / kWordRows] >> bit;
+    if (rows == kWordRows) {
+      copyWord(cells + row, nulls, place + (row - first));
+    } else {
+      copyCells(cells + row, rows, nulls & ((std::uint64_t{1} << rows) - 1), place + (row - first));
+    }
+    row += rows;
+  }
 }
 
 template <class T>
@@ -143,9 +208,7 @@ void lookUp(ColumnStorage<T> const& storage, std::size_t first, std::size_t coun
   }
 }
 
-}  // namespace
-
-std::size_t applyToBlock(Opcode opcode, BlockOperand const& left, BlockOperand const& right,
+inline std::size_t apply(Opcode opcode, BlockOperand const& left, BlockOperand const& right,
                          double* results, std::size_t count) {
   switch (opcode) {
     case Opcode::kAdd:
@@ -187,6 +250,28 @@ std::size_t applyToBlock(Opcode opcode, BlockOperand const& left, BlockOperand c
   return count;
 }
 
+#if defined(__x86_64__)
+/// The same loops over four doubles at once, on processors that can. Products are not fused with
+/// sums: that would round otherwise than a single row does.
+[[gnu::target("avx2"), gnu::flatten]] std::size_t applyAvx2(Opcode opcode, BlockOperand const& left,
+                                                            BlockOperand const& right,
+                                                            double* results, std::size_t count) {
+  return apply(opcode, left, right, results, count);
+}
+#endif
+
+}  // namespace
+
+std::size_t applyToBlock(Opcode opcode, BlockOperand const& left, BlockOperand const& right,
+                         double* results, std::size_t count) {
+#if defined(__x86_64__)
+  if (hasAvx2()) {
+    return applyAvx2(opcode, left, right, results, count);
+  }
+#endif
+  return apply(opcode, left, right, results, count);
+}
+
 double const* loadBlock(BlockProgram::Load const& load, std::size_t first, std::size_t count,
                         double* place) {
   auto const rows = static_cast<std::int64_t>(load.column.rows());
@@ -204,7 +289,7 @@ double const* loadBlock(BlockProgram::Load const& load, std::size_t first, std::
   std::fill(place, place + start, 0.0);
   if (there != 0 && doubles != nullptr) {
     copyRows(*doubles, from, there, place + start);
-  } else if (there != 0) {
+  } else if (there != 0 && load.column.ints != nullptr) {
     copyRows(*load.column.ints, from, there, place + start);
   }
   std::fill(place + end, place + count, 0.0);
@@ -218,7 +303,7 @@ void lookUpBlock(ReadColumn const& column, BlockOperand const& offsets, std::siz
   bool const includesRow = column.origin == ReadColumn::Origin::kEarlier;
   if (column.doubles != nullptr) {
     lookUp(*column.doubles, first, count, offsets, column.rows(), includesRow, results);
-  } else {
+  } else if (column.ints != nullptr) {
     lookUp(*column.ints, first, count, offsets, column.rows(), includesRow, results);
   }
 }

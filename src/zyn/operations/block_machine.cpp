@@ -5,7 +5,7 @@
 
 namespace {
 
-constexpr std::size_t kBlockRows = 1024;
+constexpr std::size_t kBlockRows = 512;
 constexpr std::size_t kMostValues = std::size_t{1} << 17;  // 1 MiB of places
 
 /// Blocks small enough that all places lie in the processor's cache, and that an expression with
@@ -16,14 +16,22 @@ std::size_t blockRowsFor(BlockProgram const& program) {
   return std::max<std::size_t>(rows, 1);
 }
 
+/// Places that stood a page apart, as columns' blocks do, would press into the same few lines of
+/// the cache; so there are some lines more between them.
+std::size_t strideFor(std::size_t rowsAtOnce) {
+  constexpr std::size_t kApart = 40;  // five lines
+  return rowsAtOnce < kBlockRows ? rowsAtOnce : rowsAtOnce + kApart;
+}
+
 }  // namespace
 
 BlockMachine::BlockMachine(BlockProgram program, std::vector<double>& places)
     : program_(std::move(program)),
       places_(places),
       values_(program_.placeCount),
-      rowsAtOnce_(blockRowsFor(program_)) {
-  std::size_t const wanted = (program_.placeCount + 1) * rowsAtOnce_;  // one for a constant result
+      rowsAtOnce_(blockRowsFor(program_)),
+      stride_(strideFor(rowsAtOnce_)) {
+  std::size_t const wanted = (program_.placeCount + 1) * stride_;  // one for a constant result
   places_.resize(std::max(places_.size(), wanted));
 }
 

@@ -25,7 +25,7 @@ class BlockMachine {
   Outcome run(std::size_t first, std::size_t count);
 
  private:
-  double* placeAt(std::size_t index) { return places_.data() + index * rowsAtOnce_; }
+  double* placeAt(std::size_t index) { return places_.data() + index * stride_; }
   BlockOperand operandFor(Operand const& operand) const;
   double const* valuesOf(Operand const& operand, std::size_t count);
 
@@ -33,4 +33,5 @@ class BlockMachine {
   std::vector<double>& places_;
   std::vector<double const*> values_;  // where each place's values lie
   std::size_t rowsAtOnce_;
+  std::size_t stride_;  // from one place to the next, in values
 };

@@ -27,7 +27,12 @@ struct ReadColumn {
   Origin origin = Origin::kInput;
 
   bool hasNumbers() const { return ints != nullptr || doubles != nullptr; }
-  std::size_t rows() const { return ints != nullptr ? ints->size() : doubles->size(); }
+  std::size_t rows() const {
+    if (ints != nullptr) {
+      return ints->size();
+    }
+    return doubles != nullptr ? doubles->size() : 0;
+  }
 };
 
 /// A constant, or a place of values, one a row.

@@ -4,6 +4,7 @@
 #include <bit>
 #include <cmath>
 #include <cstdint>
+#include <type_traits>
 
 #if defined(__SSE2__)
 #include <emmintrin.h>
@@ -16,13 +17,13 @@ namespace {
 constexpr std::size_t kBlock = 256;
 
 // Inside these bounds neither a cube nor what its rounding leaves over can be too large or too
-// small for a double.
-constexpr double kSmallest = 1e-90;
-constexpr double kLargest = 1e90;
+// small for a double, and std::pow is at its best: its error grows with the logarithm.
+constexpr double kSmallest = 1e-9;
+constexpr double kLargest = 1e9;
 
-// Nearest is the nearest to std::pow as well when the true value lies within so many units in the
-// last place of it: the errors of common libraries' std::pow are below 0.55 units.
-constexpr double kSafeUnits = 0.44;
+// The rounded value is what std::pow gives as well when the true value lies within so many units in
+// the last place of it: the errors of common libraries' std::pow stay below 0.514 units there.
+constexpr double kSafeUnits = 0.485;
 
 /// A value as a rounded part and what the rounding left over.
 struct Pair {
@@ -30,20 +31,38 @@ struct Pair {
   double low;
 };
 
-/// The exact product, for factors of moderate size: halves of 26 bits multiply without rounding.
-inline Pair product(double left, double right) {
-  constexpr double kSplit = 134217729.0;  // 2^27 + 1
-  double const leftTimes = kSplit * left;
-  double const leftHigh = leftTimes - (leftTimes - left);
-  double const leftLow = left - leftHigh;
-  double const rightTimes = kSplit * right;
-  double const rightHigh = rightTimes - (rightTimes - right);
-  double const rightLow = right - rightHigh;
-  double const high = left * right;
-  double const low = ((leftHigh * rightHigh - high) + leftHigh * rightLow + leftLow * rightHigh) +
-                     leftLow * rightLow;
-  return {high, low};
-}
+/// Multiplies without rounding, for factors of moderate size, by halves of 26 bits.
+struct Halves {
+  static Pair product(double left, double right) {
+    constexpr double kSplit = 134217729.0;  // 2^27 + 1
+    double const leftTimes = kSplit * left;
+    double const leftHigh = leftTimes - (leftTimes - left);
+    double const leftLow = left - leftHigh;
+    double const rightTimes = kSplit * right;
+    double const rightHigh = rightTimes - (rightTimes - right);
+    double const rightLow = right - rightHigh;
+    double const high = left * right;
+    double const low = ((leftHigh * rightHigh - high) + leftHigh * rightLow + leftLow * rightHigh) +
+                       leftLow * rightLow;
+    return {high, low};
+  }
+
+  /// What the square of a root misses of the base.
+  static double missing(double base, double root) {
+    Pair const square = product(root, root);
+    return (base - square.high) - square.low;
+  }
+};
+
+/// The same by an instruction that newer processors have.
+struct Fused {
+  static Pair product(double left, double right) {
+    double const high = left * right;
+    return {high, __builtin_fma(left, right, -high)};
+  }
+
+  static double missing(double base, double root) { return __builtin_fma(-root, root, base); }
+};
 
 /// The distance between a positive double and the next one below it.
 inline double unitBelow(double value) {
@@ -53,44 +72,60 @@ inline double unitBelow(double value) {
   return std::bit_cast<double>(bits) * kLastPlace;
 }
 
-inline bool isModerate(double size) {
-  return static_cast<bool>(static_cast<int>(size >= kSmallest) &
-                           static_cast<int>(size <= kLargest));
+/// 0, or bits, without a branch: whether the base's size is moderate and `error` below `limit`. A
+/// zero without sign is safe as well: it is what nulls are read as.
+inline std::uint64_t safety(double base, double error, double limit) {
+  double const size = std::fabs(base);
+  std::uint64_t const isZero = std::bit_cast<std::uint64_t>(base) == 0 ? ~std::uint64_t{0} : 0;
+  std::uint64_t const isLarge = size >= kSmallest ? ~std::uint64_t{0} : 0;
+  std::uint64_t const isSmall = size <= kLargest ? ~std::uint64_t{0} : 0;
+  std::uint64_t const isNear = error < limit ? ~std::uint64_t{0} : 0;
+  return isZero | (isLarge & isSmall & isNear);
+}
+
+inline std::uint64_t safety(double base, Pair const& value) {
+  return safety(base, std::fabs(value.low), kSafeUnits * unitBelow(std::fabs(value.high)));
 }
 
 struct Square {
   static constexpr double kExponent = 2;
-  static Pair compute(double base) { return product(base, base); }
+
+  template <class Exact>
+  static double compute(double base, std::uint64_t& safe) {
+    Pair const square = Exact::product(base, base);
+    safe = safety(base, square);
+    return square.high;
+  }
 };
 
 struct Cube {
   static constexpr double kExponent = 3;
-  static Pair compute(double base) {
-    Pair const square = product(base, base);
-    Pair const cube = product(square.high, base);
+
+  template <class Exact>
+  static double compute(double base, std::uint64_t& safe) {
+    Pair const square = Exact::product(base, base);
+    Pair const cube = Exact::product(square.high, base);
     double const low = cube.low + square.low * base;
     double const high = cube.high + low;
-    return {high, low - (high - cube.high)};
+    safe = safety(base, {high, low - (high - cube.high)});
+    return high;
   }
 };
 
-/// Whether the rounded value is what std::pow gives as well.
-inline bool isSafe(double base, Pair const& value) {
-  bool const near = std::fabs(value.low) < kSafeUnits * unitBelow(std::fabs(value.high));
-  return static_cast<bool>(static_cast<int>(near) & static_cast<int>(isModerate(std::fabs(base))));
-}
+struct Root {
+  static constexpr double kExponent = 0.5;
+};
 
-template <class Power>
+template <class Power, class Exact>
 void roundedPowers(double const* __restrict bases, double* __restrict results,
                    std::uint64_t* __restrict safe, std::size_t count) {
   for (std::size_t i = 0; i < count; ++i) {
-    Pair const value = Power::compute(bases[i]);
-    results[i] = value.high;
-    safe[i] = isSafe(bases[i], value) ? 1 : 0;
+    results[i] = Power::template compute<Exact>(bases[i], safe[i]);
   }
 }
 
-void squareRoots(double const* __restrict bases, double* __restrict results, std::size_t count) {
+/// std::sqrt sets errno for negative values, which keeps compilers from taking several at once.
+void squareRoots(double const* bases, double* results, std::size_t count) {
   std::size_t i = 0;
 #if defined(__SSE2__)
   for (; i + 2 <= count; i += 2) {
@@ -102,33 +137,59 @@ void squareRoots(double const* __restrict bases, double* __restrict results, std
   }
 }
 
-struct Root {
-  static constexpr double kExponent = 0.5;
-};
-
 /// What the square of the root misses of the base, divided by twice the root, is the root's error.
-template <>
-void roundedPowers<Root>(double const* __restrict bases, double* __restrict results,
-                         std::uint64_t* __restrict safe, std::size_t count) {
+template <class Exact>
+void roundedRoots(double const* __restrict bases, double* __restrict results,
+                  std::uint64_t* __restrict safe, std::size_t count) {
   squareRoots(bases, results, count);
   for (std::size_t i = 0; i < count; ++i) {
     double const root = results[i];
-    Pair const square = product(root, root);
-    double const missing = (bases[i] - square.high) - square.low;
-    bool const near = std::fabs(missing) < 2 * kSafeUnits * root * unitBelow(root);
-    safe[i] = (static_cast<int>(near) & static_cast<int>(isModerate(bases[i]))) != 0 ? 1 : 0;
+    double const missing = std::fabs(Exact::missing(bases[i], root));
+    safe[i] = safety(bases[i], missing, 2 * kSafeUnits * root * unitBelow(root));
   }
 }
+
+template <class Power, class Exact>
+void rounded(double const* bases, double* results, std::uint64_t* safe, std::size_t count) {
+  if constexpr (std::is_same_v<Power, Root>) {
+    roundedRoots<Exact>(bases, results, safe, count);
+  } else {
+    roundedPowers<Power, Exact>(bases, results, safe, count);
+  }
+}
+
+using RoundedPowers = void (*)(double const*, double*, std::uint64_t*, std::size_t);
+
+#if defined(__x86_64__)
+template <class Power>
+[[gnu::target("avx2,fma"), gnu::flatten]] void fusedPowers(double const* bases, double* results,
+                                                           std::uint64_t* safe, std::size_t count) {
+  rounded<Power, Fused>(bases, results, safe, count);
+}
+
+template <class Power>
+RoundedPowers bestPowers() {
+  static bool const isNew =
+      __builtin_cpu_supports("avx2") != 0 && __builtin_cpu_supports("fma") != 0;
+  return isNew ? fusedPowers<Power> : rounded<Power, Halves>;
+}
+#else
+template <class Power>
+RoundedPowers bestPowers() {
+  return rounded<Power, Halves>;
+}
+#endif
 
 template <class Power>
 void powersOf(double const* bases, double* results, std::size_t count) {
   // Read anew, as compilers take std::pow with a known exponent for a product, which it is not.
   double const volatile unknown = Power::kExponent;
   double const exponent = unknown;
+  RoundedPowers const compute = bestPowers<Power>();
   std::uint64_t safe[kBlock];
   for (std::size_t first = 0; first < count; first += kBlock) {
     std::size_t const rows = std::min(kBlock, count - first);
-    roundedPowers<Power>(bases + first, results + first, safe, rows);
+    compute(bases + first, results + first, safe, rows);
     for (std::size_t i = 0; i < rows; ++i) {
       if (safe[i] == 0) {
         results[first + i] = std::pow(bases[first + i], exponent);
