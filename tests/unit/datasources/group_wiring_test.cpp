@@ -254,6 +254,21 @@ TEST_F(GroupWiringTest, ALinksConditionBearsTheNameInTheDatabase) {
             (Ints{1, 2, 3}));
 }
 
+TEST_F(GroupWiringTest, ALinkOnTheUnitColumnLeavesTheRestrictionToUnits) {
+  auto const restricted =
+      query("Alunos", "alunos a", {"a.id", "a.unidade"},
+            "<unidadeColumn tableName=\"a\" columnName=\"unidade\" allownull=\"0\"/>");
+  host_.database().execute("create table unidades (id int)");
+  host_.database().execute("insert into unidades values (1), (2)");
+  host_.logIn({.id = 7, .defaultUnit = 2, .units = {{2, 1}}, .worksByUnits = true});
+  process(readGroup(group("G", "b", "b",
+                          member("u", query("Unidades", "unidades u", {"u.id"})) +
+                              member("b", restricted + relation("a.unidade", "u", "id"))))
+              ->createExecution(),
+          "G", {2}, 1);
+  EXPECT_EQ(integers(context_->getDataMatrix("G"), "id"), (Ints{3, 6}));
+}
+
 TEST_F(GroupWiringTest, ALinkToNothingRestrictsNothing) {
   for (auto const& link : {relation("n.aluno", "x", "id"), relation("n.aluno", "a", "x"),
                            relation("n.aluno", "a", "")}) {
