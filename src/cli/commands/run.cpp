@@ -8,6 +8,7 @@
 #include "cli/output/result_printer.h"
 #include "cli/reported_reading.h"
 #include "cli/run_times.h"
+#include "mox/zyn/datasources/group_data_source.h"
 #include "mox/zyn/datasources/sql_data_source.h"
 #include "mox/zyn/matrix/data_matrix.h"
 
@@ -23,9 +24,25 @@ struct RunOptions {
   OutputOptions output;
 };
 
-std::map<std::string, std::string> headingsOf(moxDataSource const& definition) {
+/// The query whose columns the result has: of a group, that of the member that gives it. Empty for
+/// what is made otherwise. The group has run, so it ends somewhere.
+std::shared_ptr<moxSQLDataSource const> queryBehind(std::shared_ptr<moxDataSource const> source) {
+  while (auto const group = std::dynamic_pointer_cast<moxGroupDataSource const>(source)) {
+    source.reset();
+    for (auto const& member : group->dataSources().get()) {
+      if (member && member->getName() == group->getOutputSource()) {
+        source = member->getDataSource();
+        break;
+      }
+    }
+  }
+  return std::dynamic_pointer_cast<moxSQLDataSource const>(source);
+}
+
+std::map<std::string, std::string> headingsOf(
+    std::shared_ptr<moxDataSource const> const& definition) {
   std::map<std::string, std::string> headings;
-  if (auto const* const sql = dynamic_cast<moxSQLDataSource const*>(&definition)) {
+  if (auto const sql = queryBehind(definition)) {
     for (auto const& column : sql->columns()) {
       headings.emplace(column->getColumnName(), column->getVisibleName());
     }
@@ -48,7 +65,7 @@ void runDefinition(GlobalOptions const& globals, RunOptions const& options) {
   times.start = watch.lap();
   auto const matrix = load(host, *run, progress);
   times.load = watch.lap();
-  printer.setHeadings(headingsOf(*run->definition()));
+  printer.setHeadings(headingsOf(run->definition()));
   if (options.formatted) {
     printer.setFormatted();
   }
@@ -73,9 +90,10 @@ Command addRunCommand(CLI::App& program) {
   auto* const parser = program.add_subcommand("run", "Run a definition and print its rows");
   parser->footer(
       "\nA column is named as the definition's filter names it, as the result does, or\n"
-      "with its table in front. Days are YYYY-MM-DD or DD/MM/YYYY. A range may be open\n"
-      "at one end: 5.. or ..9. In ranges and lists a value may stand in double quotes.\n"
-      "A table shows formatted values, the other forms plain ones.");
+      "with its table in front; of one of several sources of a group, with SOURCE: in\n"
+      "front. Days are YYYY-MM-DD or DD/MM/YYYY. A range may be open at one end: 5.. or\n"
+      "..9. In ranges and lists a value may stand in double quotes. A table shows\n"
+      "formatted values, the other forms plain ones.");
   auto const options = std::make_shared<RunOptions>();
   addDefinitionOptions(*parser, options->definition);
   parser->add_option("--limit", options->limit, "Write the first N rows only")->option_text("N");

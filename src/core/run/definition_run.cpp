@@ -124,7 +124,7 @@ std::vector<FilterOffer> offersOf(std::vector<Source> const& sources,
 }  // namespace
 
 DefinitionRun::DefinitionRun(VELMORApplication& application, moxSessionService& sessions,
-                             std::string name)
+                             std::string const& name)
     : DefinitionRun(application, sessions, name, findDefinition(application, name)) {}
 
 DefinitionRun::DefinitionRun(VELMORApplication& application, moxSessionService& sessions,

@@ -34,7 +34,8 @@ class DefinitionRun {
 
   /// Throws moxError when the session finds no source of data under the name, and for a group whose
   /// members do not fit together; of a search the source is run.
-  DefinitionRun(VELMORApplication& application, moxSessionService& sessions, std::string name);
+  DefinitionRun(VELMORApplication& application, moxSessionService& sessions,
+                std::string const& name);
 
   /// For a definition that was found before, under the name by which failures tell it.
   DefinitionRun(VELMORApplication& application, moxSessionService& sessions, std::string name,

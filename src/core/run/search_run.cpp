@@ -38,7 +38,8 @@ moxSearchRunControl& controlOf(moxSearchRunner& runner) {
 
 }  // namespace
 
-SearchRun::SearchRun(VELMORApplication& application, moxSessionService& sessions, std::string name)
+SearchRun::SearchRun(VELMORApplication& application, moxSessionService& sessions,
+                     std::string const& name)
     : application_(application),
       sessions_(sessions),
       run_(application, sessions, name, findSearch(application, name)),
@@ -53,7 +54,7 @@ std::vector<int> SearchRun::unitsOfTheSearch(std::vector<int> asked) const {
   return user && search().description() == kSearchOfUnits ? user->units() : std::move(asked);
 }
 
-void SearchRun::setUnits(std::vector<int> units) {
+void SearchRun::setUnits(std::vector<int> const& units) {
   auto chosen = unitsOfTheSearch(units);
   run_.setUnits(units);  // refuses those without a right, also where others count
   run_.setUnits(chosen);

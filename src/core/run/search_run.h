@@ -31,7 +31,7 @@ class SearchRun {
 
   /// Throws moxError when the session finds no search under the name, and for one whose source does
   /// not run: what the failure names is in its details.
-  SearchRun(VELMORApplication& application, moxSessionService& sessions, std::string name);
+  SearchRun(VELMORApplication& application, moxSessionService& sessions, std::string const& name);
 
   moxSearch const& search() const { return *run_.search(); }
 
@@ -45,7 +45,7 @@ class SearchRun {
 
   /// As DefinitionRun::setUnits. The search of the units themselves runs for all units that the
   /// user may choose, whatever is set here.
-  void setUnits(std::vector<int> units);
+  void setUnits(std::vector<int> const& units);
 
   /// As DefinitionRun, one of the two at most. Throws FilterArgumentError also when the search
   /// requires a filter and none is given.
