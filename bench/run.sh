@@ -11,13 +11,14 @@ Measures floor, ours and peers in turns and prints a table of medians.
 
   --rows N     rows of every case, in place of its own number (loads 1M, sorts 10M); up to 16M
   --rounds N   rounds; 5 unless told
-  --case NAME  only this case; may be repeated: load-sqlite, load-mariadb, sort-numbers, sort-text, append, walk, index
+  --case NAME  only this case; may be repeated: load-sqlite, load-mariadb, sort-numbers, sort-text, append, walk, index,
+               expression
   --cpu        processor time in place of elapsed time, for a machine with other work
   --write      put machine and table into docs/benchmarks.md; needs 5 rounds or more
   --help       this text
 
-Peers: pandas (Debian's python3-pandas), DuckDB and Polars (npm, installed into BUILD_DIR/npm). One that cannot be had is
-reported as "not here". Wrong results end the run with status 1.
+Peers: pandas and numexpr (Debian's python3-pandas, python3-numexpr), DuckDB and Polars (npm, installed into
+BUILD_DIR/npm). One that cannot be had is reported as "not here". Wrong results end the run with status 1.
 TEXT
 }
 
@@ -120,11 +121,17 @@ shift "$count"
 mkdir -p "$work"
 python=$(find_python)
 [ -z "$python" ] || set -- "$@" --python "$python" --pandas-peer "$peers/pandas_peer.py"
+if [ -n "$python" ] && "$python" -c 'import numexpr' >/dev/null 2>&1; then
+  set -- "$@" --numexpr-peer "$peers/numexpr_peer.py"
+else
+  say "numexpr is not here; python3-numexpr brings it"
+fi
 install_npm_peers
 duckdb=$npm/node_modules/@duckdb/node-bindings-linux-x64/libduckdb.so
 [ ! -f "$duckdb" ] || set -- "$@" --duckdb "$duckdb"
 if [ -d "$npm/node_modules/nodejs-polars" ] && command -v node >/dev/null 2>&1; then
-  set -- "$@" --node node --polars-peer "$peers/polars_peer.js" --npm "$npm"
+  set -- "$@" --node node --polars-peer "$peers/polars_peer.js" --npm "$npm" \
+    --polars-expression-peer "$peers/polars_expression.js"
 fi
 mariadb_socket=
 if wants_mariadb; then

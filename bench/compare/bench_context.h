@@ -17,8 +17,10 @@ struct BenchContext {
   std::string duckdbLibrary;
   std::string python;  // an interpreter
   std::string pandasScript;
+  std::string numexprScript;
   std::string node;
   std::string polarsScript;
+  std::string polarsExpressionScript;
   std::string npmDirectory;  // where polars is installed
 };
 

@@ -11,6 +11,7 @@ std::vector<Case> const& allCases() {
       {"append", "appending to a column, value by value", &appendCase},
       {"walk", "reading a column with a cursor", &walkCase},
       {"index", "building a key index and looking keys up", &indexCase},
+      {"expression", "a column computed from three of doubles", &expressionCase},
   };
   return cases;
 }

@@ -27,5 +27,6 @@ std::vector<CaseResult> sortByCodeCase(BenchContext const& context);
 std::vector<CaseResult> appendCase(BenchContext const& context);
 std::vector<CaseResult> walkCase(BenchContext const& context);
 std::vector<CaseResult> indexCase(BenchContext const& context);
+std::vector<CaseResult> expressionCase(BenchContext const& context);
 
 }  // namespace bench

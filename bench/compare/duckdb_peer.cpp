@@ -96,14 +96,21 @@ class DuckdbPeer::Api {
   }
 
   void append(FloorTable const& table) {
-    Handle appender = nullptr;
-    require(createAppender_(connection_, nullptr, "sale", &appender), "append");
-    Status bad = 0;
-    for (std::size_t row = 0; row < table.rows(); ++row) {
-      bad |= appendRow(appender, table, row);
-    }
-    bad |= destroyAppender_(&appender);
-    require(bad, "append");
+    appendRows("sale", table.rows(),
+               [&](Handle appender, std::size_t row) { return appendRow(appender, table, row); });
+  }
+
+  void append(std::string const& tableName,
+              std::vector<std::pair<char const*, FloorNumbers const*>> const& columns,
+              std::size_t rows) {
+    appendRows(tableName.c_str(), rows, [&](Handle appender, std::size_t row) {
+      Status bad = 0;
+      for (auto const& [name, column] : columns) {
+        bad |= column->isNull(row) ? appendNull_(appender)
+                                   : appendDouble_(appender, column->cells[row]);
+      }
+      return bad | endRow_(appender);
+    });
   }
 
  private:
@@ -111,6 +118,19 @@ class DuckdbPeer::Api {
     if (status != 0) {
       throw std::runtime_error(std::string("DuckDB refuses to ") + what);
     }
+  }
+
+  /// `appendRow` tells of each row whether it went wrong.
+  template <class AppendRow>
+  void appendRows(char const* tableName, std::size_t rows, AppendRow const& append) {
+    Handle appender = nullptr;
+    require(createAppender_(connection_, nullptr, tableName, &appender), "append");
+    Status bad = 0;
+    for (std::size_t row = 0; row < rows; ++row) {
+      bad |= append(appender, row);
+    }
+    bad |= destroyAppender_(&appender);
+    require(bad, "append");
   }
 
   Status appendText(Handle appender, FloorText const& text) {
@@ -155,9 +175,7 @@ class DuckdbPeer::Api {
   Status (*appendNull_)(Handle) = nullptr;
 };
 
-DuckdbPeer::DuckdbPeer(std::string const& library, FloorTable const& table)
-    : api_(std::make_unique<Api>(library)) {
-  api_->run("set threads = 1");
+DuckdbPeer::DuckdbPeer(std::string const& library, FloorTable const& table) : DuckdbPeer(library) {
   api_->run(
       "create table sale(number integer, rating integer, amount double, day timestamp, code "
       "varchar, "
@@ -165,7 +183,30 @@ DuckdbPeer::DuckdbPeer(std::string const& library, FloorTable const& table)
   api_->append(table);
 }
 
+DuckdbPeer::DuckdbPeer(std::string const& library) : api_(std::make_unique<Api>(library)) {
+  api_->run("set threads = 1");
+}
+
 DuckdbPeer::~DuckdbPeer() = default;
+
+void DuckdbPeer::run(std::string const& statement) {
+  api_->run(statement);
+}
+
+std::int64_t DuckdbPeer::wholeNumber(std::string const& statement) {
+  return api_->query(statement, 1).at(0);
+}
+
+void DuckdbPeer::fillNumbers(
+    std::string const& tableName,
+    std::vector<std::pair<char const*, FloorNumbers const*>> const& columns, std::size_t rows) {
+  std::string list;
+  for (auto const& [name, column] : columns) {
+    list += (list.empty() ? "" : ", ") + std::string(name) + " double";
+  }
+  api_->run("create table " + tableName + "(" + list + ")");
+  api_->append(tableName, columns, rows);
+}
 
 void DuckdbPeer::sortBy(std::string const& columns) {
   api_->run("create table sorted as select * from sale order by " + columns);

@@ -137,7 +137,7 @@ class Compiler {
     release(instruction.left);
     release(instruction.right);
     stack_.push_back({instruction.target | kTemporary, 0.0});
-    program_.instructions.push_back(std::move(instruction));
+    program_.instructions.push_back(instruction);
   }
 
   bool addColumn(ColumnOperation const& operation) {
