@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <set>
+#include <utility>
 
 #include "core/run/filter_value.h"
 #include "mox/core/error.h"
@@ -11,6 +12,7 @@
 #include "mox/zyn/datasources/group_data_source.h"
 #include "mox/zyn/datasources/manage_filter_data_source.h"
 #include "mox/zyn/datasources/sql_data_source.h"
+#include "mox/zyn/datasources/sql_data_source_column.h"
 
 namespace mox::core {
 
@@ -45,6 +47,20 @@ bool hasColumn(moxDataSource const& source, std::string const& name) {
   return columns.empty() ||  // known only when it has run
          std::any_of(columns.begin(), columns.end(),
                      [&](auto const& column) { return column.first == name; });
+}
+
+/// Table and column that the module restricts to units; both empty for a query that keeps to none.
+std::pair<std::string, std::string> unitColumnOf(moxSQLDataSource const& query) {
+  auto const column = query.getUnidadeColumn().first;
+  if (!column) {
+    return {};
+  }
+  auto const origin = column->getColumnNameOrigin();
+  return {column->getTableName(), origin.empty() ? column->getColumnName() : origin};
+}
+
+bool hasCondition(moxFilterDataSourceSpec const& condition) {
+  return condition.getTipo() != moxFilterDataSourceSpec::kSemFiltro;
 }
 
 void addText(FilterSourceChange& change, char const* piece, std::string text) {
@@ -178,6 +194,10 @@ class GroupCheck {
            quotedForMessage(relation.columnName) + " of the member " +
            quotedForMessage(relation.dataSource) + ", which has no such column");
     }
+    auto const bare = relation.tableName.empty();
+    auto const& own =
+        relation.columnNameOrigin.empty() ? relation.column : relation.columnNameOrigin;
+    tellReplacedRule(index, index, "", bare ? own : std::string());
     if (sources_[index] && !isA<moxSQLDataSource>(sources_[index])) {
       tell(memberName(index) + " is restricted by the values of the member " +
            quotedForMessage(relation.dataSource) + ", but is no query");
@@ -202,8 +222,25 @@ class GroupCheck {
     }
   }
 
+  /// The module takes a condition on the very unit column for the caller's own restriction.
+  void tellReplacedRule(std::size_t index, std::size_t query, std::string const& table,
+                        std::string const& column) {
+    auto const sql = std::dynamic_pointer_cast<moxSQLDataSource const>(sources_[query]);
+    if (sql && !column.empty() && unitColumnOf(*sql) == std::pair(table, column)) {
+      tell(memberName(index) + " puts a condition on the unit column of the member " +
+           quotedForMessage(members_[query]->getName()) +
+           ", which takes the place of the rule on units");
+    }
+  }
+
   void addChange(std::size_t index, std::size_t query) {
     auto const filter = std::dynamic_pointer_cast<moxFilterDataSource const>(sources_[index]);
+    for (auto const& condition : filter->getFiltersSpec()) {
+      auto const column = condition->getColumnOrigin();
+      if (hasCondition(*condition)) {
+        tellReplacedRule(index, query, column.tableName, column.columnNameOrigin);
+      }
+    }
     bool const replaces = filter->getTipoRetornoSelect() == moxFilterDataSource::kSubstitui;
     FilterSourceChange change{.group = group_.getName(),
                               .member = members_[index]->getName(),

@@ -25,7 +25,8 @@ struct FilterSourceChange {
 struct Wiring {
   std::vector<FilterSourceChange> changes;
 
-  /// What cannot work, or has no effect: sentences that name group, member and what is missing.
+  /// What cannot work, has no effect, or takes the place of the rule on units: sentences that name
+  /// group and member.
   std::vector<std::string> problems;
 };
 

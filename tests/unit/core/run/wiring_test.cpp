@@ -110,6 +110,19 @@ TEST_F(WiringTest, ManagersNeedQueriesAhead) {
                    "the member 'H' of the group 'Turma' rules the member 'F', which is no query"}));
 }
 
+TEST_F(WiringTest, ConditionsThatReplaceTheRuleOnUnitsAreTold) {
+  std::string const fixed =
+      "<Filters><Valor plugin=\"\" tableNameOrigin=\"alunos\" columnNameOrigin=\"id_unidade\" "
+      "tableName=\"a\" columnName=\"id_unidade\"><value>3</value></Valor></Filters>";
+  std::string const other =
+      "<Filters><Valor plugin=\"\" tableNameOrigin=\"alunos\" columnNameOrigin=\"id\" "
+      "tableName=\"a\" columnName=\"id\"><value>3</value></Valor></Filters>";
+  EXPECT_EQ(problemsOf(member("A", students("A")) + filterSource("F", "A", fixed) +
+                       filterSource("H", "A", other)),
+            Texts{"the member 'F' of the group 'Turma' puts a condition on the unit column of the "
+                  "member 'A', which takes the place of the rule on units"});
+}
+
 TEST_F(WiringTest, GroupsInsideAreLookedIntoOnce) {
   define(group("Dentro", "X", "", a_));
   EXPECT_EQ(problemsOf(external("A", "Dentro") + external("B", "Dentro")),
