@@ -31,7 +31,7 @@ WiredMembers wiredMembers(moxGroupDataSource const& group) {
   WiredMembers members;
   for (auto const& member : group.dataSources().get()) {
     if (member) {
-      members.push_back(wiredMember(member));
+      members.add(wiredMember(member));
     }
   }
   return members;
@@ -88,9 +88,9 @@ void tellTargets(std::vector<MemberView>& members, WiredMembers const& wired) {
     auto const* const source = wired[i].source.get();
     bool const changes = dynamic_cast<moxFilterDataSource const*>(source) != nullptr;
     for (auto const& wire : members[i].wires) {
-      auto const target = std::ranges::find(members, wire.target, &MemberView::name);
-      if (!wire.target.empty() && target != members.end()) {
-        auto& names = changes ? target->changedBy : target->governedBy;
+      auto const target = wire.target.empty() ? std::nullopt : wired.find(wire.target);
+      if (target) {
+        auto& names = changes ? members[*target].changedBy : members[*target].governedBy;
         names.push_back(members[i].name);
       }
     }

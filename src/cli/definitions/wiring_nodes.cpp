@@ -21,7 +21,7 @@ std::string joined(std::string const& table, std::string const& column) {
 /// The column as the query calls it, and behind it what it is in the database.
 std::string columnText(Column const& column) {
   auto const name = joined(column.tableName, column.columnName);
-  auto const origin = joined(column.tableNameOrigin, column.columnNameOrigin);
+  auto origin = joined(column.tableNameOrigin, column.columnNameOrigin);
   if (name.empty()) {
     return origin;
   }
@@ -53,7 +53,7 @@ TreeNode conditionNode(ConditionView const& condition) {
 
 void addFilterSource(std::vector<TreeNode>& nodes, FilterSourceView const& source) {
   for (auto const& [name, text] : source.texts) {
-    nodes.push_back({name + ": " + text});
+    nodes.push_back({fmt::format("{}: {}", name, text)});
   }
   addList(nodes, source.replacesColumns ? "columns in place of the source's" : "added columns",
           source.columns, columnNode);

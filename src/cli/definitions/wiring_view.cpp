@@ -23,16 +23,8 @@ moxFilterDataSource const* asFilterSource(WiredMember const& member) {
   return dynamic_cast<moxFilterDataSource const*>(member.source.get());
 }
 
-/// The first of the first `count` members that is called so.
-std::optional<std::size_t> find(WiredMembers const& members, std::size_t count,
-                                std::string const& name) {
-  for (std::size_t i = 0; i < count; ++i) {
-    if (members[i].member->getName() == name) {
-      return i;
-    }
-  }
-  return {};
-}
+// A chain as long as this is no wiring that anybody drew, and each of its members is followed.
+constexpr std::size_t kMostStations = 1000;
 
 std::string notAhead(std::string const& name) {
   return fmt::format("no member ahead of it is called \"{}\"", name);
@@ -46,8 +38,13 @@ WireView filterWire(WiredMembers const& members, std::size_t index) {
                 .defect = {}};
   std::set<std::size_t> passed;
   for (std::size_t at = index; passed.insert(at).second;) {
+    if (passed.size() > kMostStations) {
+      wire.through.clear();
+      wire.defect = fmt::format("the way goes by more than {} filter sources", kMostStations);
+      return wire;
+    }
     auto const name = members[at].memberFor(asFilterSource(members[at])->getDataSourceName());
-    auto const next = find(members, index + 1, name);
+    auto const next = members.find(name, index + 1);
     if (!next) {
       wire.defect = notAhead(name);
       return wire;
@@ -70,7 +67,7 @@ WireView filterWire(WiredMembers const& members, std::size_t index) {
 WireView managerWire(WiredMembers const& members, std::size_t index, std::string const& source) {
   auto const name = members[index].memberFor(source);
   WireView wire{.source = source, .through = {}, .target = {}, .defect = {}};
-  auto const governed = find(members, index + 1, name);
+  auto const governed = members.find(name, index + 1);
   if (!governed) {
     wire.defect = notAhead(name);
   } else if (!isQuery(members[*governed])) {
@@ -82,7 +79,7 @@ WireView managerWire(WiredMembers const& members, std::size_t index, std::string
 }
 
 std::string relationDefect(WiredMembers const& members, moxDadoDataSource::Relation const& link) {
-  auto const found = find(members, members.size(), link.dataSource);
+  auto const found = members.find(link.dataSource);
   if (!found) {
     return fmt::format("no member is called \"{}\"", link.dataSource);
   }
@@ -111,6 +108,17 @@ std::string WiredMember::memberFor(std::string const& name) const {
     }
   }
   return name;
+}
+
+void WiredMembers::add(WiredMember member) {
+  firstOf_.try_emplace(member.member->getName(), members_.size());
+  members_.push_back(std::move(member));
+}
+
+std::optional<std::size_t> WiredMembers::find(std::string const& name, std::size_t count) const {
+  auto const found = firstOf_.find(name);
+  return found != firstOf_.end() && found->second < count ? std::optional(found->second)
+                                                          : std::nullopt;
 }
 
 std::vector<WireView> wiresOf(WiredMembers const& members, std::size_t index) {

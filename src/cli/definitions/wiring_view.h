@@ -1,7 +1,9 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "cli/definitions/definition_view.h"
@@ -20,8 +22,23 @@ struct WiredMember {
   std::string memberFor(std::string const& name) const;
 };
 
-/// The members of a group, in order.
-using WiredMembers = std::vector<WiredMember>;
+/// The members of a group, in order. A name is found at once: a group may have many members, and a
+/// wire many stations.
+class WiredMembers {
+ public:
+  void add(WiredMember member);
+
+  std::size_t size() const { return members_.size(); }
+  WiredMember const& operator[](std::size_t index) const { return members_[index]; }
+
+  /// The first of the first `count` members that is called so.
+  std::optional<std::size_t> find(std::string const& name, std::size_t count) const;
+  std::optional<std::size_t> find(std::string const& name) const { return find(name, size()); }
+
+ private:
+  std::vector<WiredMember> members_;
+  std::unordered_map<std::string, std::size_t> firstOf_;
+};
 
 /// Where the member's change goes, or what it passes on: one for a filter source, one for each
 /// governed source of a manager, none for others. As in a run, only members ahead of it are found.

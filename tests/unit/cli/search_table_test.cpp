@@ -83,6 +83,7 @@ class SearchTableTest : public ::testing::Test {
 
   Column numbers(std::string const& name, int rows) const {
     std::vector<std::optional<int>> values;
+    values.reserve(static_cast<std::size_t>(rows));
     for (int i = 0; i < rows; ++i) {
       values.emplace_back(i);
     }

@@ -173,6 +173,20 @@ TEST_F(WiringViewTest, AGroupTellsWhereEachChangeEnds) {
             "      └─ governs faturas: no member ahead of it is called \"faturas\"\n");
 }
 
+TEST_F(WiringViewTest, AManyLinkedChainOfFilterSourcesEnds) {
+  constexpr int kFilters = 1200;
+  std::string chain = holding("0", kAlunos);
+  for (int i = 1; i <= kFilters; ++i) {
+    chain += holding(std::to_string(i), filterSource("F", std::to_string(i - 1)));
+  }
+  auto const told = members(group("Grupo", chain, "0"));
+  EXPECT_EQ(told[1000]["wires"][0]["target"], "0");
+  EXPECT_EQ(told[1000]["wires"][0]["through"].size(), 999u);
+  EXPECT_EQ(told[1001]["wires"][0]["target"], "");
+  EXPECT_EQ(told[1001]["wires"][0]["defect"], "the way goes by more than 1000 filter sources");
+  EXPECT_EQ(told[0]["changed_by"].size(), 1000u);
+}
+
 TEST_F(WiringViewTest, AWiringThatCannotWorkIsToldByName) {
   auto const told = members(
       group("Grupo", holding("cedo", filterSource("F", "alunos")) +
