@@ -256,9 +256,11 @@ class Scanner {
   }
 
   void skipSpace() {
-    while (at_ < text_.size() && isXmlSpace(text_[at_])) {
-      ++at_;
+    std::size_t at = at_;
+    while (at < text_.size() && isXmlSpace(text_[at])) {
+      ++at;
     }
+    at_ = at;
   }
 
   std::string_view takeName(char const* complaint) {
@@ -266,10 +268,12 @@ class Scanner {
     if (!startsXmlName(current())) {
       fail(start, complaint);
     }
-    while (at_ < text_.size() && continuesXmlName(text_[at_])) {
-      ++at_;
+    std::size_t end = start + 1;
+    while (end < text_.size() && continuesXmlName(text_[end])) {
+      ++end;
     }
-    return text_.substr(start, at_ - start);
+    at_ = end;
+    return text_.substr(start, end - start);
   }
 
   void countPart(std::size_t at) {

@@ -21,8 +21,8 @@ class XmlTable final : public moxXMLTable {
   XmlTable(XmlTable const&) = delete;
   XmlTable& operator=(XmlTable const&) = delete;
 
-  std::shared_ptr<moxXMLNode> nodeOf(std::uint32_t element) const override;
-  int lineOf(std::uint32_t element) const override;
+  std::shared_ptr<moxXMLNode> nodeOf(std::uint32_t number) const override;
+  int lineOf(std::uint32_t number) const override;
 
   std::string const& text() const { return content_; }
   std::string takeText() { return std::move(content_); }
@@ -36,11 +36,11 @@ class XmlTable final : public moxXMLTable {
   void attribute(std::size_t nameAt, std::size_t nameSize, std::string_view value, bool isPlain);
 
   /// A piece of the element's own text. White space is to be told only right before the end tag.
-  void text(std::uint32_t element, std::string_view piece, bool isBlank);
+  void text(std::uint32_t number, std::string_view piece, bool isBlank);
 
   /// Something else stands inside: its text can then be in pieces.
-  void mix(std::uint32_t element) { list_[element].isMixed = 1; }
-  void close(std::uint32_t element, std::size_t tagsEnd);
+  void mix(std::uint32_t number) { list_[number].isMixed = 1; }
+  void close(std::uint32_t number, std::size_t tagsEnd);
 
   /// To be called once, behind the last one.
   void finish();

@@ -8,7 +8,7 @@ class moxXMLNode;
 namespace sql_data_source_xml {
 
 /// As SQLDataSource::load.
-void read(SQLDataSource& source, XmlElement const& element);
+void read(SQLDataSource& source, XmlElement const& node);
 
 void write(SQLDataSource const& source, moxXMLNode& node);
 
