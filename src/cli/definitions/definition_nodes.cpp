@@ -99,7 +99,12 @@ void addDefinition(std::vector<TreeNode>& nodes, DefinitionView const& view,
     addSearch(nodes, *view.search);
   }
   addChanges(nodes, view, wires);
-  addList(nodes, "columns", view.columns, columnNode);
+  // The columns of a filter source in a group, and what it reads, are those of the member that it
+  // changes.
+  bool const repeatsMember = !wires.empty();
+  if (!repeatsMember) {
+    addList(nodes, "columns", view.columns, columnNode);
+  }
   addList(nodes, "filters", view.filters,
           [](auto const& filter) { return TreeNode{filterLabel(filter)}; });
   addList(nodes, "order", view.order, orderNode);
@@ -107,7 +112,9 @@ void addDefinition(std::vector<TreeNode>& nodes, DefinitionView const& view,
   if (view.group) {
     addMembers(nodes, *view.group);
   }
-  addList(nodes, "reads", view.dependencies, dependencyNode);
+  if (!repeatsMember) {
+    addList(nodes, "reads", view.dependencies, dependencyNode);
+  }
 }
 
 }  // namespace mox::cli
