@@ -14,7 +14,7 @@ using Row = std::array<Value, kColumns>;
 using Texts = std::vector<std::string>;
 
 /// A manager as one query sees it: the record that speaks of the query, and what was given.
-struct Ruling {
+struct Governor {
   Record const* record;
   std::vector<Given const*> given;
 };
@@ -22,7 +22,7 @@ struct Ruling {
 /// What works on one query.
 struct Influences {
   std::vector<FilterSource const*> filters;
-  std::vector<Ruling> rulings;
+  std::vector<Governor> governors;
 };
 
 struct Applied {
@@ -85,8 +85,8 @@ class Query {
   /// A filter that answers for several columns of one query ends up on the last of them.
   void gatherManaged() {
     std::map<Given const*, Applied> conditions;
-    for (auto const& ruling : influences_.rulings) {
-      for (auto const& related : ruling.record->related) {
+    for (auto const& governor : influences_.governors) {
+      for (auto const& related : governor.record->related) {
         auto const* const given = managed(related.filterName);
         if (given == nullptr) {
           continue;
@@ -99,7 +99,7 @@ class Query {
         condition.column = *related.column;
         conditions[given] = {condition, related.namesTable || *related.column == source_.offered};
       }
-      if (source_.token && speaksOf(*ruling.record, mark()) && managed(mark()) != nullptr) {
+      if (source_.token && speaksOf(*governor.record, mark()) && managed(mark()) != nullptr) {
         tokenValue_ = managed(mark())->condition.values.at(0);
       }
     }
@@ -109,9 +109,9 @@ class Query {
   }
 
   Given const* managed(std::string const& name) const {
-    for (auto const& ruling : influences_.rulings) {
-      for (auto const* const given : ruling.given) {
-        if (given->name == name && speaksOf(*ruling.record, name)) {
+    for (auto const& governor : influences_.governors) {
+      for (auto const* const given : governor.given) {
+        if (given->name == name && speaksOf(*governor.record, name)) {
           return given;
         }
       }
@@ -386,7 +386,7 @@ class GroupRun {
 
   void wire(Member const& member, Manager const& manager) {
     for (auto const& record : manager.records) {
-      influences_[member.target(record.source)].rulings.push_back({&record, givenTo(member)});
+      influences_[member.target(record.source)].governors.push_back({&record, givenTo(member)});
     }
   }
 
