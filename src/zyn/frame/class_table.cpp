@@ -34,7 +34,9 @@
 #include "zyn/matrix/data_matrix_columns.h"
 #include "zyn/matrix/data_matrix_row.h"
 #include "zyn/matrix/data_matrix_sorter.h"
+#include "zyn/operations/aggregation_functions.h"
 #include "zyn/operations/csv_format.h"
+#include "zyn/operations/data_matrix_aggregator.h"
 #include "zyn/operations/data_matrix_exporter.h"
 #include "zyn/operations/data_matrix_expression_processor.h"
 #include "zyn/operations/data_matrix_join.h"
@@ -133,6 +135,28 @@ void registerSearchAndProperties(moxPluginRegistry& registry) {
   internal<FormatterProperty>(registry, "FormatterProperty");
 }
 
+void registerAggregation(moxPluginRegistry& registry) {
+  internal<DataMatrixAggregator>(registry, "moxDataMatrixAggregator");
+  internal<DoubleSum>(registry, "moxDoubleSum");
+  internal<IntegralSum>(registry, "moxIntegralSum");
+  internal<DoubleMin>(registry, "moxDoubleMin");
+  internal<IntegralMin>(registry, "moxIntegralMin");
+  internal<DoubleMax>(registry, "moxDoubleMax");
+  internal<IntegralMax>(registry, "moxIntegralMax");
+  internal<DoubleAvg>(registry, "moxDoubleAvg");
+  internal<IntegralAvg>(registry, "moxIntegralAvg");
+  internal<BlobFirst>(registry, "moxBlobFirst");
+  internal<BlobLast>(registry, "moxBlobLast");
+  internal<TextLast>(registry, "moxTextLast");
+  internal<TextFirst>(registry, "moxTextFirst");
+  internal<TextMin>(registry, "moxTextMin");
+  internal<TextMax>(registry, "moxTextMax");
+  internal<TextAppend>(registry, "moxTextAppend");
+  internal<TextPrepend>(registry, "moxTextPrepend");
+  internal<DateMin>(registry, "moxDateMin");
+  internal<DateMax>(registry, "moxDateMax");
+}
+
 void registerExpressions(moxPluginRegistry& registry) {
   internal<moxExParser::Context>(registry, "moxExpressionContext");
   internal<moxExParser::ExpressionContextUtilities>(registry, "moxExpressionContextUtilities");
@@ -159,6 +183,7 @@ void registerModuleClasses(moxPluginRegistry& registry) {
   registerMatrixOperations(registry);
   registerFilterSpecifications(registry);
   registerSearchAndProperties(registry);
+  registerAggregation(registry);
   registerExpressions(registry);
   registerDataSources(registry);
   registry.registerService(std::make_unique<ZYNCLoaderService>());
