@@ -54,6 +54,7 @@ def run_tutorial(path, folder):
     (checkout / "build/release").mkdir(parents=True)
     for built in ("bin", "lib"):
         (checkout / "build/release" / built).symlink_to(ZYN.parent.parent / built)
+    (checkout / "examples").symlink_to(ROOT / "examples")
     notes.mkdir()
     blocks = blocks_of(path)
     done = subprocess.run(

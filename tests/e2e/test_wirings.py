@@ -131,8 +131,9 @@ def test_every_filter_of_a_manager_is_used_here():
 
 
 def test_each_way_of_changing_a_statement_is_shown():
-    conditions = {c.tag for e in definition_elements() for source in e.iter("moxFilterDataSource") for c in source.find("Filters")}
-    kinds = {s.get("tipo") for e in definition_elements() for s in e.iter("selectColumns")}
+    changes = [source for element in definition_elements() for source in element.iter("moxFilterDataSource")]
+    conditions = {condition.tag for source in changes for condition in source.find("Filters")}
+    kinds = {source.find("selectColumns").get("tipo") for source in changes}
     assert (conditions, kinds) == ({"Valor", "Sql", "SemFiltro"}, {"0", "1"})
 
 
@@ -261,7 +262,8 @@ def test_keys_can_be_chosen_from_the_searches_that_they_belong_to(escola):
     by_hand = rows_of(escola.rows("sql", "select id from escola_turmas where id_unidade = 3", "--quiet"))
     assert sorted(choice["value"] for choice in classes["choices"]) == sorted(row["id"] for row in by_hand)
     students = choices(escola, "joaquim", "Pesquisa de matrículas", "id_aluno")
-    by_hand = rows_of(escola.rows("sql", "select id, nome from escola_alunos where id_unidade = 3 order by registro", "--quiet"))
+    statement = "select id, nome from escola_alunos where id_unidade = 3 order by registro"
+    by_hand = rows_of(escola.rows("sql", statement, "--quiet"))
     assert students["source"] == "Pesquisa de alunos"
     assert [(c["value"], c["label"]) for c in students["choices"]] == [(row["id"], row["nome"]) for row in by_hand]
 
