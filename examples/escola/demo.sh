@@ -1,6 +1,7 @@
 #!/bin/sh
 # The example, end to end: makes the school network's database, packs its definitions, and runs three of them for two
-# users of different units, the whole way through program, framework, module, database, column tables and formatters.
+# users of different units and a search for one, the whole way through program, framework, module, database, column
+# tables and formatters.
 #
 # usage: demo.sh BUILD_DIR DEMO_DIR     BUILD_DIR holds bin/ and lib/; everything is written below DEMO_DIR
 set -eu
@@ -56,14 +57,20 @@ for_both "Vagas por turma" --limit 5
 for_both "Faturas em aberto" --filter vencidasAte=2024-06-30 --limit 5
 
 echo
-echo "4. Why is this what joaquim gets?"
+echo "4. A screen to look students up, as joaquim sees it: the icon of a state in brackets, keys to go on with"
+zyn --user joaquim search "Pesquisa de matrículas" --filter ano=2021.. --filter nome=A% --page 1 --page-size 6 --format table
+
+echo
+echo "5. Why is this what joaquim gets?"
 zyn --user joaquim explain "Faturas em aberto" --filter vencidasAte=2024-06-30 --out "$demo/explain.txt"
 sed -n 's/^/ /; /conditions/,$p' "$demo/explain.txt"
 echo "   from $demo/explain.txt, which holds the statement and all values"
 
 echo
-echo "5. Go on by hand:"
+echo "6. Go on by hand:"
 echo "   $build/bin/zyn --config $demo/zyn.toml --user iara --unit 6 --unit 7 run 'Médias por disciplina'"
-echo "   $build/bin/zyn --config $demo/zyn.toml show 'Matrículas'"
+echo "   $build/bin/zyn --config $demo/zyn.toml show 'Alunos por curso'"
+echo "   $build/bin/zyn --config $demo/zyn.toml --user joaquim search 'Pesquisa de matrículas' --filters"
 echo "   $build/bin/zyn --config $demo/zyn.toml sql 'select nome, cidade from ambiente_unidades' --sort nome"
-echo "   docs/tutorial/first-definition.md writes a definition from an empty file"
+echo "   docs/tutorial/first-definition.md writes a definition from an empty file, docs/tutorial/narrowing-and-searching.md"
+echo "   a screen of several"

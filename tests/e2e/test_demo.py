@@ -29,3 +29,6 @@ def test_demo_shows_two_users_their_own_rows(tmp_path):
     for _, user, table in shown:
         units[user] |= set(re.findall(r"\[U(\d)\]", table))
     assert units == {"joaquim": {"3"}, "iara": {"6", "7"}}
+    heading, line, *students = re.search(r"^4\. .*\n((?:.+\n)+)", done.stdout, re.M).group(1).splitlines()
+    assert heading.split()[0] == "Aluno" and set(line) == {"─", " "}
+    assert len(students) == 6 and all(re.match(r"\[[•✓±✗→]\] A", student) for student in students)
