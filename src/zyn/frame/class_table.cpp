@@ -40,6 +40,7 @@
 #include "zyn/operations/data_matrix_exporter.h"
 #include "zyn/operations/data_matrix_expression_processor.h"
 #include "zyn/operations/data_matrix_join.h"
+#include "zyn/operations/data_matrix_pivoting.h"
 #include "zyn/operations/data_matrix_union.h"
 #include "zyn/search/search.h"
 #include "zyn/search/search_runner.h"
@@ -110,6 +111,7 @@ void registerMatrixOperations(moxPluginRegistry& registry) {
   internal<DME::CSVFormat>(registry, "moxDataMatrixExporterCSVFormat");
   internal<DataMatrixSorter>(registry, "moxDataMatrixSorter");
   internal<DataMatrixUnion>(registry, "moxDataMatrixUnion");
+  internal<DataMatrixPivoting>(registry, "moxDataMatrixPivoting");
   internal<DataMatrixJoin>(registry, "moxDataMatrixJoin");
 }
 

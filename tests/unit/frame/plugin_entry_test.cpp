@@ -134,6 +134,7 @@ TEST(PluginEntry, ClassesAreRegisteredInTheirOrder) {
                                                          "moxDataMatrixExporterCSVFormat",
                                                          "moxDataMatrixSorter",
                                                          "moxDataMatrixUnion",
+                                                         "moxDataMatrixPivoting",
                                                          "moxDataMatrixJoin",
                                                          "moxIntegralUniqueFilter",
                                                          "moxIntegralUniqueSQLFilter",
