@@ -12,5 +12,6 @@
 /// Without keys all rows are one group.
 ///
 /// Only a NaN, which agrees with every number, makes a difference between staying and the first
-/// group. Its rows are compared group by group; all others are hashed.
+/// group. Without one the rows are hashed; with one each different key looks through the groups
+/// once.
 KeyGroups groupRows(std::vector<MatrixColumn> const& keys, std::uint32_t rows);

@@ -7,6 +7,7 @@
 #include "mox/core/application.h"
 #include "mox/zyn/matrix/aggregation_function.h"
 #include "mox/zyn/matrix/data_matrix_aggregator.h"
+#include "mox/zyn/matrix/data_matrix_union.h"
 #include "support/matrix_builder.h"
 #include "support/random_tables.h"
 #include "support/test_host.h"
@@ -228,6 +229,19 @@ bool sameBits(moxDataMatrix const& one, moxDataMatrix const& other) {
   return true;
 }
 
+/// Writes the matrix into the database as it stands.
+void temporaryTable(TestHost& host, moxDataMatrix const& table, std::string const& tableName) {
+  auto const pushed = host.get<moxDataMatrixUnion>("moxDataMatrixUnion");
+  auto const copy = matrix({});
+  std::vector<std::string> names;
+  for (unsigned int i = 0; i < table.columnCount(); ++i) {
+    copy->addColumn(std::const_pointer_cast<moxDataMatrixColumn>(table.columnAt(i)));
+    names.push_back(table.columnAt(i)->getName());
+  }
+  pushed->pushSourceDataMatrix(copy, names);
+  pushed->process(tableName);
+}
+
 }  // namespace
 
 TEST(DataMatrixAggregatorProperty, GivesWhatAPlainOneGives) {
@@ -242,5 +256,40 @@ TEST(DataMatrixAggregatorProperty, GivesWhatAPlainOneGives) {
 
     ASSERT_THAT(actual, isMatrix(expected)) << "round " << round << "\n" << asText(*input);
     ASSERT_TRUE(sameBits(*actual, *expected)) << "round " << round << "\n" << asText(*input);
+  }
+}
+
+TEST(DataMatrixAggregatorProperty, GivesWhatADatabaseGives) {
+  TestHost host(TestHost::kMemoryDatabase);
+  RandomTables random(77, {.nan = false, .blobs = false, .repeatedNames = false});
+  for (int round = 0; round < 300; ++round) {
+    auto const rows = static_cast<unsigned int>(1 + random.pick(40));
+    auto const input = matrix({});
+    input->addColumn(random.column("k", moxDataMatrixTypes::Int, rows));
+    input->addColumn(random.column("t", moxDataMatrixTypes::Text, rows));
+    input->addColumn(random.column("v", moxDataMatrixTypes::Int, rows));
+    input->addColumn(random.column("w", moxDataMatrixTypes::Text, rows));
+    Definition const definition{{"k", "t"},
+                                {{"moxIntegralMin", "v"},
+                                 {"moxIntegralMax", "v"},
+                                 {"moxTextMin", "w"},
+                                 {"moxTextMax", "w"}},
+                                true};
+    temporaryTable(host, *input, "entrada");
+    temporaryTable(host, *aggregated(host, definition, input), "saida");
+
+    auto const difference = host.application().query(
+        "select count(*) from (select k, t, min(v), max(v), min(w), max(w), count(*) from entrada "
+        "group by k, t except select * from saida)",
+        "where", 0, "", 0);
+
+    ASSERT_TRUE(difference->step());
+    ASSERT_EQ(difference->getInt(0), 0) << "round " << round << "\n" << asText(*input);
+    auto const counts = host.application().query(
+        "select (select count(*) from saida) - (select count(*) from (select 1 from entrada group "
+        "by k, t))",
+        "where", 0, "", 0);
+    ASSERT_TRUE(counts->step());
+    ASSERT_EQ(counts->getInt(0), 0) << "round " << round;
   }
 }

@@ -217,6 +217,19 @@ TEST(DataMatrixAggregator, ANaNStaysInTheGroupBeforeOrGoesToTheFirst) {
               isMatrix({{"k", doubles(1.0, 2.0, null)}, {"data_count", ints(2, 2, 1)}}));
 }
 
+TEST(DataMatrixAggregator, ANaNDoesNotMakeManyGroupsSlow) {
+  TestHost host;
+  std::vector<std::optional<double>> values;
+  for (int i = 0; i < 400'000; ++i) {
+    values.emplace_back(i % 100'000);
+  }
+  values.emplace_back(kNaN);
+  auto const result =
+      aggregator(host, {"k"}, {})->aggregate(matrix({{"k", doubles(values)}}), true, "");
+  EXPECT_EQ(result->rowCount(), 100'000U);
+  EXPECT_EQ(cellAt(*result->columnAt(1), 99'999), Cell(5)) << "the NaN stays where it stands";
+}
+
 TEST(DataMatrixAggregator, BlobsAreKeysByTheObject) {
   TestHost host;
   auto const one = blob("same");
