@@ -7,6 +7,7 @@ import json
 
 import pytest
 from example_school import UNITS_OF, definition_elements, mariadb_escola, sqlite_escola  # noqa: F401
+from test_terminal import STYLE, shown
 from test_unit_restriction import DEFAULT_UNIT, HEAD_OFFICE, WITHOUT_UNITS, output, seen_units
 
 # Definition, filters, and the statement that gives the codes of the rows in their order. {u} is a list of units, {h}
@@ -249,6 +250,16 @@ def test_icon_and_key_stand_with_the_name(escola):
     assert heading.split()[:6] == ["Aluno", "Código", "do", "aluno", "Turma", "Código"]
     assert first.startswith("[✓] Ana Clara Neves Gonçalves do Nascimento ") and " 284 " in first
     assert second.startswith("[•] Ana Clara Neves Gonçalves do Nascimento ") and second.endswith("cursando   null")
+
+
+@pytest.mark.parametrize("width", [80, 160])
+@pytest.mark.parametrize("name", SEARCHES)
+def test_screens_keep_to_the_terminal(sqlite_escola, width, name):
+    filters = as_options(SEARCHES[name][0])
+    text = shown(sqlite_escola, width, "--user", "rosangela", "search", name, *filters, "--page-size", "20")
+    *lines, end = STYLE.sub("", text).splitlines()
+    assert len(lines) > 2 and max(map(len, lines)) <= width
+    assert width == 80 or "no room" not in end
 
 
 def choices(school, user, name, filter_name):
