@@ -312,6 +312,21 @@ def test_nobody_sees_a_unit_that_is_not_his(escola, command, name, filters):
         assert {int(row["id_unidade"]) for row in rows_of(wide) if "id_unidade" in row} <= UNITS_OF[user], user
 
 
+def unit_rules(statement):
+    return [condition for condition in statement["conditions"] if condition["origin"] == "unit-rule"]
+
+
+@pytest.mark.parametrize(("command", "name", "filters"), runs_of_all())
+def test_each_statement_of_a_run_is_kept_to_its_units(escola, command, name, filters):
+    """Also those whose rows only restrict others."""
+    for user, unit in DEFAULT_UNIT.items():
+        report = json.loads(output(escola, user, [], "explain", name, *as_options(filters), "--format", "json"))
+        statements = [statement for source in report["sources"] for statement in source["statements"]]
+        assert statements and all(len(unit_rules(statement)) == 1 for statement in statements), user
+        values = {int(v["value"]) for statement in statements for rule in unit_rules(statement) for v in rule["values"]}
+        assert values <= {unit, HEAD_OFFICE[user]}, user
+
+
 @pytest.mark.parametrize(("command", "name", "filters"), runs_of_all())
 def test_witnesses_are_seen_where_they_may_be(escola, command, name, filters):
     """So that the test above can fail."""
