@@ -1,5 +1,7 @@
 #include "zyn/matrix/key_groups.h"
 
+#include <algorithm>
+#include <array>
 #include <bit>
 #include <cmath>
 #include <cstring>
@@ -23,6 +25,9 @@ class KeyGrouper::KeyTable {
 };
 
 namespace {
+
+constexpr std::uint32_t kBlock = 256;      // rows that are prepared together
+constexpr std::uint32_t kPairsAhead = 32;  // rows from which a pair's place is asked of memory
 
 std::uint64_t hashText(TextRef const& text) {
   char const* bytes = text.data();
@@ -72,16 +77,17 @@ class TypedKeyTable final : public KeyGrouper::KeyTable {
 
   bool group(std::uint32_t rows, std::vector<std::uint32_t>& groupOfRow) override {
     groupOfRow.resize(rows);
-    auto const* const cells = column_.values.cells();
-    bool const nullable = column_.nulls.any();
-    for (std::uint32_t row = 0; row < rows; ++row) {
-      if (nullable && column_.nulls.test(row)) {
-        groupOfRow[row] = groupOfNulls(row);
-      } else if (isNaN(cells[row])) {
-        return false;
-      } else {
-        groupOfRow[row] =
-            table_.findOrAdd(wordOf(cells[row]), sameAs(cells[row]), [&] { return newGroup(row); });
+    Keys keys;
+    Words words;
+    for (std::uint32_t from = 0; from < rows; from += kBlock) {
+      std::uint32_t const end = from + std::min(kBlock, rows - from);
+      fetchAhead(from, end, words, keys);
+      for (std::uint32_t row = from; row < end; ++row) {
+        std::uint32_t const group = groupOf(row, words[row - from], keys);
+        if (group == KeyGrouper::kCannotTell) {
+          return false;
+        }
+        groupOfRow[row] = group;
       }
     }
     return true;
@@ -103,6 +109,60 @@ class TypedKeyTable final : public KeyGrouper::KeyTable {
 
  private:
   using Cell = typename ColumnStorage<T>::Cell;
+  using Words = std::array<std::uint64_t, kBlock>;
+
+  /// The key of each group while rows are grouped, for texts alone: theirs are compared with each
+  /// row, and side by side they are nearer than in the column.
+  using Keys = std::vector<TextRef>;
+
+  static constexpr bool kIsText = std::is_same_v<T, std::string>;
+
+  /// The words of a block of rows; what they will be looked for at is asked of memory beforehand,
+  /// for all rows at once.
+  void fetchAhead(std::uint32_t from, std::uint32_t end, Words& words, Keys const& keys) const {
+    auto const* const cells = column_.values.cells();
+    for (std::uint32_t row = from; row < end; ++row) {
+      words[row - from] = wordOf(cells[row]);
+      table_.prefetch(words[row - from]);
+    }
+    for (std::uint32_t row = from; kIsText && row < end; ++row) {
+      std::uint32_t const group = table_.guess(words[row - from]);
+      if (group < keys.size()) {
+        __builtin_prefetch(&keys[group]);
+      }
+    }
+  }
+
+  /// kCannotTell for a NaN.
+  std::uint32_t groupOf(std::uint32_t row, std::uint64_t word, Keys& keys) {
+    auto const& cell = column_.values.cells()[row];
+    if (column_.nulls.test(row)) {
+      std::uint32_t const group = groupOfNulls(row);
+      rememberKey(keys, cell);
+      return group;
+    }
+    if (isNaN(cell)) {
+      return KeyGrouper::kCannotTell;
+    }
+    auto const same = [&](std::uint32_t group) {
+      if constexpr (kIsText) {
+        return keys[group] == cell;
+      }
+      return true;
+    };
+    std::uint32_t const group = table_.findOrAdd(word, same, [&] { return newGroup(row); });
+    rememberKey(keys, cell);
+    return group;
+  }
+
+  /// Of a group that was just made.
+  void rememberKey(Keys& keys, Cell const& cell) const {
+    if constexpr (kIsText) {
+      if (keys.size() < firstRow_.size()) {
+        keys.push_back(cell);
+      }
+    }
+  }
 
   std::uint32_t newGroup(std::uint32_t row) {
     firstRow_.push_back(row);
@@ -194,7 +254,11 @@ bool KeyGrouper::groupBy(KeyTable& table, std::uint32_t rows) {
 void KeyGrouper::refine(std::vector<std::uint32_t> const& further) {
   WordTable& pairs = pairs_.emplace_back();
   groups_.firstRow.clear();
-  for (std::uint32_t row = 0; row < groups_.groupOfRow.size(); ++row) {
+  auto const rows = static_cast<std::uint32_t>(groups_.groupOfRow.size());
+  for (std::uint32_t row = 0; row < rows; ++row) {
+    if (std::uint32_t const ahead = row + kPairsAhead; ahead < rows) {
+      pairs.prefetch(pairOf(groups_.groupOfRow[ahead], further[ahead]));
+    }
     std::uint64_t const pair = pairOf(groups_.groupOfRow[row], further[row]);
     groups_.groupOfRow[row] = pairs.findOrAdd(pair, always, [&] {
       groups_.firstRow.push_back(row);

@@ -39,6 +39,14 @@ class WordTable {
     return given;
   }
 
+  /// Asks memory for the place of a word that will be looked for soon. Whoever looks for many words
+  /// asks for some of them ahead, as the place of each is anywhere.
+  void prefetch(std::uint64_t word) const { __builtin_prefetch(&slots_[homeOf(word)]); }
+
+  /// The number that stands where the word would stand, were there no others: mostly the word's
+  /// own.
+  std::uint32_t guess(std::uint64_t word) const { return slots_[homeOf(word)].number; }
+
   /// The word's number; kAbsent when it has none.
   template <class Same>
   std::uint32_t find(std::uint64_t word, Same const& same) const {
@@ -51,10 +59,12 @@ class WordTable {
     std::uint32_t number = kAbsent;
   };
 
+  std::size_t homeOf(std::uint64_t word) const { return mixWord(word ^ seed_) & mask_; }
+
   /// Where the word stands, or would have to.
   template <class Same>
   std::size_t placeOf(std::uint64_t word, Same const& same) const {
-    std::size_t place = mixWord(word ^ seed_) & mask_;
+    std::size_t place = homeOf(word);
     while (slots_[place].number != kAbsent &&
            !(slots_[place].word == word && same(slots_[place].number))) {
       place = (place + 1) & mask_;
