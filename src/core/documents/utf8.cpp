@@ -32,8 +32,21 @@ Sequence sequenceOf(unsigned char first) {
   return {};
 }
 
-/// Length of the character at the start of `text`, 0 when it is not well-formed.
-std::size_t characterLength(std::string_view text) {
+/// Documents are nearly all ASCII: eight bytes are passed at once.
+std::size_t skipAscii(std::string_view text, std::size_t offset) {
+  for (; offset + sizeof(std::uint64_t) <= text.size(); offset += sizeof(std::uint64_t)) {
+    std::uint64_t word = 0;
+    std::memcpy(&word, text.data() + offset, sizeof(word));
+    if ((word & 0x8080808080808080U) != 0) {
+      break;
+    }
+  }
+  return offset;
+}
+
+}  // namespace
+
+std::size_t utf8Length(std::string_view text) {
   Sequence const sequence = sequenceOf(static_cast<unsigned char>(text[0]));
   if (sequence.length < 2 || text.size() < sequence.length) {
     return sequence.length < 2 ? sequence.length : 0;
@@ -50,24 +63,10 @@ std::size_t characterLength(std::string_view text) {
   return sequence.length;
 }
 
-/// Documents are nearly all ASCII: eight bytes are passed at once.
-std::size_t skipAscii(std::string_view text, std::size_t offset) {
-  for (; offset + sizeof(std::uint64_t) <= text.size(); offset += sizeof(std::uint64_t)) {
-    std::uint64_t word = 0;
-    std::memcpy(&word, text.data() + offset, sizeof(word));
-    if ((word & 0x8080808080808080U) != 0) {
-      break;
-    }
-  }
-  return offset;
-}
-
-}  // namespace
-
 std::size_t findInvalidUtf8(std::string_view text) {
   std::size_t offset = skipAscii(text, 0);
   while (offset < text.size()) {
-    std::size_t const length = characterLength(text.substr(offset));
+    std::size_t const length = utf8Length(text.substr(offset));
     if (length == 0) {
       return offset;
     }

@@ -1,7 +1,6 @@
 #include "core/documents/xml_scanner.h"
 
 #include <algorithm>
-#include <array>
 #include <cstdint>
 #include <string>
 #include <unordered_set>
@@ -10,6 +9,7 @@
 
 #include "core/documents/document_error.h"
 #include "core/documents/utf8.h"
+#include "core/documents/xml_bytes.h"
 #include "core/documents/xml_names.h"
 
 namespace mox::core {
@@ -17,38 +17,6 @@ namespace mox::core {
 namespace {
 
 constexpr std::size_t kNowhere = std::string_view::npos;
-
-/// By character: whether an attribute's value may read otherwise than it stands where it holds one.
-constexpr std::array<bool, 256> kReadsOtherwise = [] {
-  std::array<bool, 256> reads = {};
-  for (char const c : {'<', '&', '\t', '\n', '\r'}) {
-    reads[static_cast<unsigned char>(c)] = true;
-  }
-  return reads;
-}();
-
-bool isForbidden(char c) {
-  return static_cast<unsigned char>(c) < 0x20 && !isXmlSpace(c);
-}
-
-/// The first forbidden character, or the end. Blocks without one, nearly all, are passed by a loop
-/// that has no way out in the middle, so that it takes many characters in a step.
-std::size_t findForbidden(std::string_view text) {
-  constexpr std::size_t kBlock = 256;
-  std::size_t at = 0;
-  for (; at + kBlock <= text.size(); at += kBlock) {
-    unsigned char any = 0;
-    for (std::size_t i = at; i < at + kBlock; ++i) {
-      any |= static_cast<unsigned char>(isForbidden(text[i]));
-    }
-    if (any != 0) {
-      break;
-    }
-  }
-  auto const rest = text.substr(at);
-  return at + static_cast<std::size_t>(std::find_if(rest.begin(), rest.end(), isForbidden) -
-                                       rest.begin());
-}
 
 /// Names may be as long as the document; messages show their beginning.
 std::string shown(std::string_view name) {
@@ -90,7 +58,8 @@ class AttributeNames {
 
   /// Most names differ in their length or at an end. None is empty.
   static bool isSame(std::string_view one, std::string_view other) {
-    return one.size() == other.size() && one.back() == other.back() && one == other;
+    return one.size() == other.size() && one.back() == other.back() &&
+           xml_bytes::isSame(one, other);
   }
 
   std::vector<std::string_view> few_;
@@ -105,9 +74,7 @@ class Scanner {
   bool run() {
     checkCharacters();
     while (at_ < text_.size()) {
-      std::size_t const end = std::min(text_.find('<', at_), text_.size());
-      checkText(end);
-      at_ = end;
+      checkText();
       if (at_ < text_.size()) {
         markup();
       }
@@ -137,34 +104,51 @@ class Scanner {
 
   char current() const { return at_ < text_.size() ? text_[at_] : '\0'; }
 
+  /// A text that is wrong in its encoding is told so, wherever it also holds a control character.
   void checkCharacters() const {
     if (text_.size() > kMaxXmlBytes) {
       throw DocumentError("XML", "it is longer than " + std::to_string(kMaxXmlBytes) + " bytes");
     }
-    std::size_t const invalid = findInvalidUtf8(text_);
-    if (invalid != kNowhere) {
-      fail(invalid, "the text is not valid in its encoding");
+    std::size_t control = kNowhere;
+    std::size_t at = xml_bytes::endOfAscii(text_, 0);
+    while (at < text_.size()) {
+      std::size_t const length = utf8Length(text_.substr(at));
+      if (length == 0) {
+        fail(at, "the text is not valid in its encoding");
+      }
+      control = length == 1 ? std::min(control, at) : control;
+      at = xml_bytes::endOfAscii(text_, at + length);
     }
-    std::size_t const control = findForbidden(text_);
-    if (control < text_.size()) {
+    if (control != kNowhere) {
       fail(control, "control characters are not allowed");
     }
   }
 
-  /// The text from here to `end`, between two tags.
-  void checkText(std::size_t end) {
-    std::size_t at = at_;
-    while (at < end && isXmlSpace(text_[at])) {
+  std::size_t behindSpace(std::size_t at) const {
+    while (at < text_.size() && isXmlSpace(text_[at])) {
       ++at;
     }
-    bool const isBlank = at == end;
+    return at;
+  }
+
+  /// Passes the text up to the next tag. Most is blank.
+  void checkText() {
+    std::size_t const at = behindSpace(at_);
+    bool const isBlank = at == text_.size() || text_[at] == '<';
+    std::size_t const end = isBlank ? at : std::min(text_.find('<', at), text_.size());
+    checkText(at, end, isBlank);
+    at_ = end;
+  }
+
+  /// The text from here to `end`; `at` is its first character that is not blank.
+  void checkText(std::size_t at, std::size_t end, bool isBlank) {
     if (!isBlank && open_.empty()) {
       fail(at, "there is text outside the root element");
     }
     if (!isBlank) {
       checkReferences(at, end);
     }
-    bool const isText = !isBlank || text_.substr(end).starts_with("</");
+    bool const isText = !isBlank || (end + 1 < text_.size() && text_[end + 1] == '/');
     if (isText && at_ < end && !open_.empty()) {
       table_.text(open_.back().number, text_.substr(at_, end - at_), isBlank);
     }
@@ -255,25 +239,15 @@ class Scanner {
     at_ = end + closing.size();
   }
 
-  void skipSpace() {
-    std::size_t at = at_;
-    while (at < text_.size() && isXmlSpace(text_[at])) {
-      ++at;
-    }
-    at_ = at;
-  }
+  void skipSpace() { at_ = behindSpace(at_); }
 
   std::string_view takeName(char const* complaint) {
     std::size_t const start = at_;
     if (!startsXmlName(current())) {
       fail(start, complaint);
     }
-    std::size_t end = start + 1;
-    while (end < text_.size() && continuesXmlName(text_[end])) {
-      ++end;
-    }
-    at_ = end;
-    return text_.substr(start, end - start);
+    at_ = xml_bytes::endOfName(text_, start + 1);
+    return std::string_view(text_.data() + start, at_ - start);
   }
 
   void countPart(std::size_t at) {
@@ -348,18 +322,16 @@ class Scanner {
       fail(at_, "the attribute's value must stand in quotes");
     }
     std::size_t const start = at_ + 1;
-    std::size_t end = start;
     bool isPlain = true;
-    for (; end < text_.size() && text_[end] != quote; ++end) {
-      isPlain = isPlain && !kReadsOtherwise[static_cast<unsigned char>(text_[end])];
-    }
+    std::size_t const end = xml_bytes::endOfValue(text_, start, quote, isPlain);
     if (end == text_.size()) {
       fail(at_, "the attribute's value never ends");
     }
     if (!isPlain) {
       checkMarksInValue(start, end);
     }
-    table_.attribute(nameAt, nameSize, text_.substr(start, end - start), isPlain);
+    table_.attribute(nameAt, nameSize, std::string_view(text_.data() + start, end - start),
+                     isPlain);
     at_ = end + 1;
   }
 
@@ -383,7 +355,7 @@ class Scanner {
     if (open_.empty()) {
       fail(start, "</" + shown(name) + "> closes no element");
     }
-    if (open_.back().name != name) {
+    if (!xml_bytes::isSame(open_.back().name, name)) {
       failMismatch(start, name);
     }
     table_.close(open_.back().number, at_);

@@ -84,32 +84,12 @@ XmlTable::XmlTable(std::string text) : content_(std::move(text)) {
   attributeList_.reserve(content_.size() / kBytesAnAttribute + 1);
 }
 
-std::uint32_t XmlTable::open(std::size_t nameAt, std::size_t nameSize, std::size_t depth) {
-  auto const number = static_cast<std::uint32_t>(list_.size());
-  Element element = {};
-  element.nameAt = static_cast<std::uint32_t>(nameAt);
-  element.nameSize = static_cast<std::uint32_t>(nameSize);
-  element.firstAttribute = static_cast<std::uint32_t>(attributeList_.size());
-  element.depth = static_cast<std::uint32_t>(depth) & 0x7FFFFFFFU;
-  list_.push_back(element);
-  return number;
-}
-
-void XmlTable::attribute(std::size_t nameAt, std::size_t nameSize, std::string_view value,
-                         bool isPlain) {
-  Attribute attribute = {};
-  attribute.nameAt = static_cast<std::uint32_t>(nameAt);
-  attribute.nameSize = static_cast<std::uint32_t>(nameSize);
-  attribute.valueAt = offsetOf(value);
-  attribute.valueSize = static_cast<std::uint32_t>(value.size()) & 0x7FFFFFFFU;
-  if (!isPlain) {
-    attribute.valueAt = static_cast<std::uint32_t>(values_.size());
-    appendMeant(values_, value, true);
-    attribute.valueSize =
-        static_cast<std::uint32_t>(values_.size() - attribute.valueAt) & 0x7FFFFFFFU;
-    attribute.isDecoded = 1;
-  }
-  attributeList_.push_back(attribute);
+void XmlTable::decodeValue(Attribute& attribute, std::string_view value) {
+  attribute.valueAt = static_cast<std::uint32_t>(values_.size());
+  appendMeant(values_, value, true);
+  attribute.valueSize =
+      static_cast<std::uint32_t>(values_.size() - attribute.valueAt) & 0x7FFFFFFFU;
+  attribute.isDecoded = 1;
 }
 
 void XmlTable::text(std::uint32_t number, std::string_view piece, bool isBlank) {
@@ -131,11 +111,6 @@ void XmlTable::text(std::uint32_t number, std::string_view piece, bool isBlank) 
     element.textAt = offsetOf(piece);
     element.textSize = static_cast<std::uint32_t>(piece.size()) & 0x7FFFFFFFU;
   }
-}
-
-void XmlTable::close(std::uint32_t number, std::size_t tagsEnd) {
-  list_[number].end = static_cast<std::uint32_t>(list_.size());
-  list_[number].tagsEnd = static_cast<std::uint32_t>(tagsEnd);
 }
 
 void XmlTable::finish() {

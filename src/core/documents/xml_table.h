@@ -30,22 +30,44 @@ class XmlTable final : public moxXMLTable {
   // For the scanner. Places are offsets in the text.
 
   /// An element with a tag that begins with that name, below `depth - 1` others; gives its number.
-  std::uint32_t open(std::size_t nameAt, std::size_t nameSize, std::size_t depth);
+  std::uint32_t open(std::size_t nameAt, std::size_t nameSize, std::size_t depth) {
+    auto const number = static_cast<std::uint32_t>(list_.size());
+    auto& element = list_.emplace_back();
+    element.nameAt = static_cast<std::uint32_t>(nameAt);
+    element.nameSize = static_cast<std::uint32_t>(nameSize);
+    element.firstAttribute = static_cast<std::uint32_t>(attributeList_.size());
+    element.depth = static_cast<std::uint32_t>(depth) & 0x7FFFFFFFU;
+    return number;
+  }
 
   /// `isPlain` says that the value holds nothing that reads otherwise than it stands.
-  void attribute(std::size_t nameAt, std::size_t nameSize, std::string_view value, bool isPlain);
+  void attribute(std::size_t nameAt, std::size_t nameSize, std::string_view value, bool isPlain) {
+    auto& attribute = attributeList_.emplace_back();
+    attribute.nameAt = static_cast<std::uint32_t>(nameAt);
+    attribute.nameSize = static_cast<std::uint32_t>(nameSize);
+    attribute.valueAt = offsetOf(value);
+    attribute.valueSize = static_cast<std::uint32_t>(value.size()) & 0x7FFFFFFFU;
+    if (!isPlain) {
+      decodeValue(attribute, value);
+    }
+  }
 
   /// A piece of the element's own text. White space is to be told only right before the end tag.
   void text(std::uint32_t number, std::string_view piece, bool isBlank);
 
   /// Something else stands inside: its text can then be in pieces.
   void mix(std::uint32_t number) { list_[number].isMixed = 1; }
-  void close(std::uint32_t number, std::size_t tagsEnd);
+  void close(std::uint32_t number, std::size_t tagsEnd) {
+    list_[number].end = static_cast<std::uint32_t>(list_.size());
+    list_[number].tagsEnd = static_cast<std::uint32_t>(tagsEnd);
+  }
 
   /// To be called once, behind the last one.
   void finish();
 
  private:
+  void decodeValue(Attribute& attribute, std::string_view value);
+
   std::uint32_t offsetOf(std::string_view part) const {
     return static_cast<std::uint32_t>(part.data() - content_.data());
   }

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -90,8 +92,38 @@ class XmlElement {
  private:
   moxXMLTable::Element const& own() const { return table_->elements()[number_]; }
 
+  /// Whether two names are equal. Names are short, and to compare them is much of what reading a
+  /// table costs: without a call for most of them.
+  static bool isSame(std::string_view one, std::string_view other) {
+    if (one.size() != other.size()) {
+      return false;
+    }
+    if (one.size() >= 8 && one.size() <= 16) {
+      return isSameAtEnds<std::uint64_t>(one, other);
+    }
+    if (one.size() >= 4 && one.size() < 8) {
+      return isSameAtEnds<std::uint32_t>(one, other);
+    }
+    return one == other;
+  }
+
+  /// The same for two of one length, between one word and two, by the words at their ends.
+  template <class Word>
+  static bool isSameAtEnds(std::string_view one, std::string_view other) {
+    std::size_t const tail = one.size() - sizeof(Word);
+    return wordAt<Word>(one.data()) == wordAt<Word>(other.data()) &&
+           wordAt<Word>(one.data() + tail) == wordAt<Word>(other.data() + tail);
+  }
+
+  template <class Word>
+  static Word wordAt(char const* bytes) {
+    Word word = 0;
+    std::memcpy(&word, bytes, sizeof(word));
+    return word;
+  }
+
   bool isNamed(moxXMLTable::Element const& element, std::string_view name) const {
-    return name.empty() || table_->nameOf(element) == name;
+    return name.empty() || isSame(table_->nameOf(element), name);
   }
 
   template <class Visit>
@@ -111,7 +143,7 @@ class XmlElement {
     std::uint32_t const count = element[1].firstAttribute - element[0].firstAttribute;
     for (std::uint32_t tried = 0, at = next_; tried < count; ++tried, ++at) {
       at = at < count ? at : 0;
-      if (table_->nameOf(list[at]) == name) {
+      if (isSame(table_->nameOf(list[at]), name)) {
         next_ = at + 1;
         return table_->valueOf(list[at]);
       }
