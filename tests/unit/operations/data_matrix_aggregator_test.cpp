@@ -7,13 +7,17 @@
 #include <stdexcept>
 
 #include "mox/core/error.h"
+#include "mox/core/module.h"
+#include "mox/core/registry.h"
 #include "mox/core/xml.h"
 #include "mox/zyn/format/text_formatter.h"
+#include "mox/zyn/frame/plugin_entry.h"
 #include "mox/zyn/matrix/aggregation_function.h"
 #include "support/foreign_column.h"
 #include "support/many_threads.h"
 #include "support/matrix_builder.h"
 #include "support/test_host.h"
+#include "zyn/frame/plugin_containers.h"
 
 using namespace mox_test;
 
@@ -78,6 +82,49 @@ class RowCounter final : public virtual moxAggregationFunction {
  private:
   std::shared_ptr<moxIteratorBase<int>> cursor_;
 };
+
+/// Writes the same text for every group: a function of another library, with a setting of its own.
+class Stamp final : public virtual moxAggregationFunction {
+ public:
+  std::string name() const override { return "testStamp"; }
+  bool save(std::shared_ptr<moxXMLNode> node) const override {
+    node->writeAttribute("text", text);
+    return true;
+  }
+  bool load(std::shared_ptr<moxXMLNode> node) override {
+    text = node->readAttribute("text");
+    return true;
+  }
+  std::vector<std::shared_ptr<moxDataMatrixColumn>> columns() override {
+    return {column("stamp", texts())};
+  }
+  void setIterators(std::vector<std::shared_ptr<moxIterator>> iterators) override {
+    ++runs;
+    cursor_ = std::dynamic_pointer_cast<moxIteratorBase<std::string>>(iterators.front());
+  }
+  bool compute(std::shared_ptr<moxDataMatrixRow const>) override {
+    cursor_->set(text);
+    return true;
+  }
+  void posProcess(std::shared_ptr<moxDataMatrix>) override {}
+  std::vector<std::string> getMetaColumns() const override { return {}; }
+
+  std::string text;
+  int runs = 0;
+
+ private:
+  std::shared_ptr<moxIteratorBase<std::string>> cursor_;
+};
+
+void enterStamp(VELMORApplication* application, moxSessionService* session) {
+  moxPlugIn_EntryPoint(application, session);
+}
+
+int registerStamp(moxPluginRegistry* registry) {
+  registry->setLibraryName("another library");
+  registry->registerClass(std::make_unique<moxInternalPluginContainer<Stamp>>("testStamp"));
+  return 1;
+}
 
 }  // namespace
 
@@ -315,6 +362,21 @@ TEST(DataMatrixAggregator, RunsFunctionsOfAnotherLibraryRowByRow) {
                                                                {"seen", ints(2, 1)},
                                                                {"spare", texts(null, null)}}));
   }
+}
+
+TEST(DataMatrixAggregator, CopiesRegisteredFunctionsOfAnotherLibraryWithTheirSettings) {
+  TestHost host;
+  host.application().addModule(
+      {moxPlugIn_ModuleVersion, moxPlugIn_DoValidityCheck, enterStamp, registerStamp},
+      "another library");
+  auto const engine = aggregator(host, {"k"}, {});
+  auto const original = std::make_shared<Stamp>();
+  original->text = "visto";
+  engine->addFunction(original);
+
+  EXPECT_THAT(engine->aggregate(matrix({{"k", ints(1, 2)}}), false, ""),
+              isMatrix({{"k", ints(1, 2)}, {"stamp", texts("visto", "visto")}}));
+  EXPECT_EQ(original->runs, 0);
 }
 
 TEST(DataMatrixAggregator, LeavesTheRowsInATemporaryTableAndGivesNoColumns) {
