@@ -4,18 +4,16 @@
 
 #include <gtest/gtest.h>
 
-#include "core/session/session.h"
-#include "mox/core/xml.h"
 #include "mox/zyn/datasources/data_source.h"
 #include "mox/zyn/datasources/data_source_execution.h"
 #include "mox/zyn/datasources/data_source_execution_context.h"
 #include "mox/zyn/format/generic_formatter.h"
 #include "mox/zyn/items/zyn_cache.h"
-#include "mox/zyn/items/zyn_collection.h"
 #include "mox/zyn/matrix/data_matrix.h"
 #include "mox/zyn/matrix/data_matrix_column.h"
 #include "mox/zyn/sql/data_matrix_sql_unique_filters.h"
 #include "support/many_threads.h"
+#include "support/shared_sessions.h"
 #include "support/temporary_directory.h"
 #include "support/test_host.h"
 
@@ -66,16 +64,8 @@ class DefinitionRunThreads : public testing::Test {
                        std::to_string(id % kUnits + 1) + ", " + std::to_string(id) +
                        ".25, '2024-03-09')");
     }
-    auto const document = host_.get<moxXMLDocument>("moxXMLDocument");
-    document->loadText(kDefinition);
-    auto const collection = host_.get<moxZYNCollection>("moxZYNCollection");
-    collection->unserialize(document->root());
-    cache_->appendCollection(collection);
-    for (int i = 0; i < kSessions; ++i) {
-      int const unit = i % kUnits + 1;
-      sessions_.push_back(host_.application().sessions().open(
-          {.id = i + 1, .defaultUnit = unit, .units = {{unit, 1}}, .worksByUnits = true}));
-    }
+    shareDefinitions(host_, kDefinition);
+    sessions_ = openUnitSessions(host_, kSessions, kUnits);
   }
 
   std::shared_ptr<moxDataMatrix> run() {

@@ -4,17 +4,15 @@
 
 #include <gtest/gtest.h>
 
-#include "core/session/session.h"
-#include "mox/core/xml.h"
 #include "mox/zyn/datasources/data_source_execution_context.h"
 #include "mox/zyn/datasources/filter_data_source.h"
 #include "mox/zyn/datasources/manage_filter_data_source.h"
 #include "mox/zyn/datasources/sql_data_source_execution.h"
 #include "mox/zyn/items/zyn_cache.h"
-#include "mox/zyn/items/zyn_collection.h"
 #include "mox/zyn/matrix/data_matrix.h"
 #include "mox/zyn/sql/data_matrix_sql_unique_filters.h"
 #include "support/many_threads.h"
+#include "support/shared_sessions.h"
 #include "support/temporary_directory.h"
 #include "support/test_host.h"
 
@@ -76,11 +74,7 @@ class FilterSourceThreads : public testing::Test {
   }
 
   std::shared_ptr<moxZYNCollection> collection(std::string const& items) {
-    auto const document = host_.get<moxXMLDocument>("moxXMLDocument");
-    document->loadText("<moxZYNCollection>" + items + "</moxZYNCollection>");
-    auto made = host_.get<moxZYNCollection>("moxZYNCollection");
-    made->unserialize(document->root());
-    return made;
+    return readCollection(host_, "<moxZYNCollection>" + items + "</moxZYNCollection>");
   }
 
   template <class T>

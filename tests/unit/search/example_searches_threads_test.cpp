@@ -9,15 +9,13 @@
 #include <string>
 #include <vector>
 
-#include "core/session/session.h"
 #include "escola/generator/example_database.h"
-#include "mox/core/xml.h"
 #include "mox/zyn/items/zyn_cache.h"
-#include "mox/zyn/items/zyn_collection.h"
 #include "mox/zyn/matrix/data_matrix.h"
 #include "mox/zyn/search/search.h"
 #include "mox/zyn/search/search_runner.h"
 #include "support/many_threads.h"
+#include "support/shared_sessions.h"
 #include "support/temporary_directory.h"
 #include "support/test_host.h"
 
@@ -60,11 +58,7 @@ class ExampleSearchesThreads : public testing::Test {
   }
 
   void addDefinitions(std::string const& text) {
-    auto const document = host_.get<moxXMLDocument>("moxXMLDocument");
-    document->loadText(text);
-    auto const collection = host_.get<moxZYNCollection>("moxZYNCollection");
-    collection->unserialize(document->root());
-    cache_->appendCollection(collection);
+    auto const collection = shareDefinitions(host_, text);
     for (auto const& item : collection->items().get()) {
       if (std::dynamic_pointer_cast<moxSearch const>(item)) {
         names_.push_back(item->description());

@@ -4,14 +4,12 @@
 #include <string>
 #include <vector>
 
-#include "core/session/session.h"
-#include "mox/core/xml.h"
 #include "mox/zyn/items/zyn_cache.h"
-#include "mox/zyn/items/zyn_collection.h"
 #include "mox/zyn/search/search.h"
 #include "mox/zyn/search/search_runner.h"
 #include "mox/zyn/sql/data_matrix_sql_unique_filters.h"
 #include "support/many_threads.h"
+#include "support/shared_sessions.h"
 #include "support/temporary_directory.h"
 #include "support/test_host.h"
 
@@ -61,16 +59,8 @@ class SearchRunnerThreads : public testing::Test {
       database.execute("insert into notas values (" + std::to_string(id % kUnits + 1) + ", " +
                        std::to_string(id) + ".25, " + std::to_string(id / kUnits % 2) + ")");
     }
-    auto const document = host_.get<moxXMLDocument>("moxXMLDocument");
-    document->loadText(kDefinitions);
-    auto const collection = host_.get<moxZYNCollection>("moxZYNCollection");
-    collection->unserialize(document->root());
-    cache_->appendCollection(collection);
-    for (int i = 0; i < kSessions; ++i) {
-      int const unit = i % kUnits + 1;
-      sessions_.push_back(host_.application().sessions().open(
-          {.id = i + 1, .defaultUnit = unit, .units = {{unit, 1}}, .worksByUnits = true}));
-    }
+    shareDefinitions(host_, kDefinitions);
+    sessions_ = openUnitSessions(host_, kSessions, kUnits);
   }
 
   std::string run(int parity) {

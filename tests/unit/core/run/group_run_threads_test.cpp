@@ -5,12 +5,9 @@
 #include <gtest/gtest.h>
 
 #include "core/run/search_run.h"
-#include "core/session/session.h"
-#include "mox/core/xml.h"
-#include "mox/zyn/items/zyn_cache.h"
-#include "mox/zyn/items/zyn_collection.h"
 #include "mox/zyn/matrix/data_matrix.h"
 #include "support/many_threads.h"
+#include "support/shared_sessions.h"
 #include "support/temporary_directory.h"
 #include "support/test_host.h"
 
@@ -72,16 +69,8 @@ class GroupRunThreads : public testing::Test {
       database.execute("insert into notas values (" + std::to_string(id) + ", " +
                        std::to_string(id % kUnits + 1) + ")");
     }
-    auto const document = host_.get<moxXMLDocument>("moxXMLDocument");
-    document->loadText(kDefinitions);
-    auto const collection = host_.get<moxZYNCollection>("moxZYNCollection");
-    collection->unserialize(document->root());
-    host_.get<moxZYNCache>("moxZYNCache")->appendCollection(collection);
-    for (int i = 0; i < kSessions; ++i) {
-      int const unit = i % kUnits + 1;
-      sessions_.push_back(host_.application().sessions().open(
-          {.id = i + 1, .defaultUnit = unit, .units = {{unit, 1}}, .worksByUnits = true}));
-    }
+    shareDefinitions(host_, kDefinitions);
+    sessions_ = openUnitSessions(host_, kSessions, kUnits);
   }
 
   static std::string idsOf(moxDataMatrix const& matrix) {
