@@ -31,6 +31,41 @@ class SQLDataSource;
 template <>
 struct PluginPermissionsOf<SQLDataSource> : LabelledAs<"Consulta SQL"> {};
 
+class AggregationDataSource;
+
+template <>
+struct PluginPermissionsOf<AggregationDataSource> : LabelledAs<"Sumarização"> {};
+
+class SorterDataSource;
+
+template <>
+struct PluginPermissionsOf<SorterDataSource> : LabelledAs<"Ordenação"> {};
+
+class ObjectDataSource;
+
+template <>
+struct PluginPermissionsOf<ObjectDataSource> : LabelledAs<"Execução SQL"> {};
+
+class UnionDataSource;
+
+template <>
+struct PluginPermissionsOf<UnionDataSource> : LabelledAs<"União"> {};
+
+class ExpressionDataSource;
+
+template <>
+struct PluginPermissionsOf<ExpressionDataSource> : LabelledAs<"Expressão"> {};
+
+class DataSourcePivoting;
+
+template <>
+struct PluginPermissionsOf<DataSourcePivoting> : LabelledAs<"Pivô"> {};
+
+class JoinDataSource;
+
+template <>
+struct PluginPermissionsOf<JoinDataSource> : LabelledAs<"Join"> {};
+
 class FilterDataSource;
 
 template <>

@@ -9,6 +9,7 @@
 #include "zyn/datasources/depth_guard.h"
 #include "zyn/datasources/filter_data_source_execution.h"
 #include "zyn/datasources/filter_data_source_xml.h"
+#include "zyn/datasources/related_data_sources.h"
 
 bool FilterDataSource::load(std::shared_ptr<moxXMLNode> node) {
   if (!node) {
@@ -41,15 +42,7 @@ std::vector<moxDataSourceColumnType> FilterDataSource::getRelatedColumns(
   if (tipoRetornoSelect_ != kAdiciona) {
     return columns_.namesAndTypes();
   }
-  DepthGuard const guard;
-  auto const found =
-      std::find_if(sources.begin(), sources.end(), [this](moxNamedDataSource const& named) {
-        auto const& [nameInContext, source] = named;
-        return source && (nameInContext == dataSourceName_ || source->getName() == dataSourceName_);
-      });
-  bool const isKnown = found != sources.end();
-  return withOwnColumns(isKnown ? found->second->getRelatedColumns(sources)
-                                : std::vector<moxDataSourceColumnType>());
+  return withOwnColumns(relatedColumnsOf(sources, dataSourceName_));
 }
 
 std::vector<moxDataSourceColumnType> FilterDataSource::withOwnColumns(
@@ -62,15 +55,7 @@ std::vector<moxDataSourceColumnType> FilterDataSource::withOwnColumns(
 
 std::vector<std::shared_ptr<moxDataSource const>> FilterDataSource::getRelatedDataSources(
     bool deep) const {
-  DepthGuard const guard;
-  std::vector<std::shared_ptr<moxDataSource const>> related;
-  if (std::shared_ptr<moxDataSource const> const source = findDataSource(dataSourceName_)) {
-    if (deep) {
-      related = source->getRelatedDataSources(true);
-    }
-    related.push_back(source);
-  }
-  return related;
+  return relatedDataSources({dataSourceName_}, deep);
 }
 
 std::shared_ptr<moxDataSourceExecution> FilterDataSource::createExecution() const {

@@ -5,10 +5,9 @@
 #include <utility>
 
 #include "mox/core/xml.h"
-#include "zyn/datasources/data_source_look_up.h"
-#include "zyn/datasources/depth_guard.h"
 #include "zyn/datasources/filter_elements.h"
 #include "zyn/datasources/manage_filter_data_source_execution.h"
+#include "zyn/datasources/related_data_sources.h"
 #include "zyn/items/polymorphic_list.h"
 
 namespace {
@@ -138,20 +137,12 @@ bool ManageFilterDataSource::save(std::shared_ptr<moxXMLNode> node) const {
 
 std::vector<std::shared_ptr<moxDataSource const>> ManageFilterDataSource::getRelatedDataSources(
     bool deep) const {
-  DepthGuard const guard;
-  std::vector<std::shared_ptr<moxDataSource const>> related;
+  std::vector<std::string> names;
+  names.reserve(sources_.size());
   for (auto const& record : sources_) {
-    std::shared_ptr<moxDataSource const> const source = findDataSource(record.name);
-    if (!source) {
-      continue;
-    }
-    if (deep) {
-      auto const deeper = source->getRelatedDataSources(true);
-      related.insert(related.end(), deeper.begin(), deeper.end());
-    }
-    related.push_back(source);
+    names.push_back(record.name);
   }
-  return related;
+  return relatedDataSources(names, deep);
 }
 
 std::shared_ptr<moxDataSourceExecution> ManageFilterDataSource::createExecution() const {
