@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "mox/core/registry.h"
+#include "zyn/datasources/aggregation_data_source.h"
 #include "zyn/datasources/dado_data_source.h"
 #include "zyn/datasources/data_source_execution_context.h"
 #include "zyn/datasources/data_source_label.h"
@@ -10,6 +11,7 @@
 #include "zyn/datasources/filter_data_source_spec.h"
 #include "zyn/datasources/group_data_source.h"
 #include "zyn/datasources/manage_filter_data_source.h"
+#include "zyn/datasources/sorter_data_source.h"
 #include "zyn/datasources/sql_data_source.h"
 #include "zyn/expressions/expression_context.h"
 #include "zyn/expressions/expression_context_utilities.h"
@@ -167,6 +169,8 @@ void registerExpressions(moxPluginRegistry& registry) {
 
 void registerDataSources(moxPluginRegistry& registry) {
   internal<SQLDataSource>(registry, "moxSQLDataSource");
+  internal<AggregationDataSource>(registry, "moxAggregationDataSource");
+  internal<SorterDataSource>(registry, "moxSorterDataSource");
   internal<DataSourceExecutionContext>(registry, "moxDataSourceExecutionContext");
   internal<FilterDataSource>(registry, "moxFilterDataSource");
   internal<FilterDataSourceSpec>(registry, "moxFilterDataSourceSpec");

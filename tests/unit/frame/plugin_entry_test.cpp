@@ -175,6 +175,8 @@ TEST(PluginEntry, ClassesAreRegisteredInTheirOrder) {
                                                          "moxExpressionContextUtilities",
                                                          "moxDataMatrixExpressionProcessor",
                                                          "moxSQLDataSource",
+                                                         "moxAggregationDataSource",
+                                                         "moxSorterDataSource",
                                                          "moxDataSourceExecutionContext",
                                                          "moxFilterDataSource",
                                                          "moxFilterDataSourceSpec",
