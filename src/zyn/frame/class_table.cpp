@@ -10,6 +10,7 @@
 #include "zyn/datasources/filter_data_source.h"
 #include "zyn/datasources/filter_data_source_spec.h"
 #include "zyn/datasources/group_data_source.h"
+#include "zyn/datasources/join_data_source.h"
 #include "zyn/datasources/manage_filter_data_source.h"
 #include "zyn/datasources/sorter_data_source.h"
 #include "zyn/datasources/sql_data_source.h"
@@ -171,6 +172,7 @@ void registerDataSources(moxPluginRegistry& registry) {
   internal<SQLDataSource>(registry, "moxSQLDataSource");
   internal<AggregationDataSource>(registry, "moxAggregationDataSource");
   internal<SorterDataSource>(registry, "moxSorterDataSource");
+  internal<JoinDataSource>(registry, "moxJoinDataSource");
   internal<DataSourceExecutionContext>(registry, "moxDataSourceExecutionContext");
   internal<FilterDataSource>(registry, "moxFilterDataSource");
   internal<FilterDataSourceSpec>(registry, "moxFilterDataSourceSpec");

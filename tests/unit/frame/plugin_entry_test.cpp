@@ -177,6 +177,7 @@ TEST(PluginEntry, ClassesAreRegisteredInTheirOrder) {
                                                          "moxSQLDataSource",
                                                          "moxAggregationDataSource",
                                                          "moxSorterDataSource",
+                                                         "moxJoinDataSource",
                                                          "moxDataSourceExecutionContext",
                                                          "moxFilterDataSource",
                                                          "moxFilterDataSourceSpec",
