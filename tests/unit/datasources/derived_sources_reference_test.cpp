@@ -114,7 +114,7 @@ TEST_F(DerivedSourcesReference, EveryNameThatIsWrittenIsTold) {
   }
 }
 
-TEST_F(DerivedSourcesReference, EveryKindIsTellingItsLabel) {
+TEST_F(DerivedSourcesReference, EveryKindTellsItsLabel) {
   for (auto const& kind : kKinds) {
     auto const label = "under the label \"" + std::string(kind.label) + "\"";
     EXPECT_NE(sectionOf(kind.heading).find(label), std::string::npos) << kind.heading;
