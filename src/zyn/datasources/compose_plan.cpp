@@ -6,6 +6,7 @@
 #include "mox/zyn/datasources/data_source_execution.h"
 #include "mox/zyn/datasources/group_data_source.h"
 #include "mox/zyn/datasources/sql_data_source_execution.h"
+#include "zyn/datasources/object_data_source_execution.h"
 
 namespace {
 
@@ -20,26 +21,32 @@ moxSQLDataSourceExecution const* sqlExecution(moxDataSourceToProcess const& entr
   return dynamic_cast<moxSQLDataSourceExecution const*>(entry.second.second.get());
 }
 
+/// It has no rows that another could need, and a run that only shows statements must leave the data
+/// as they are.
+bool changesData(moxDataSourceToProcess const& entry) {
+  return dynamic_cast<ObjectDataSourceExecution const*>(entry.second.second.get()) != nullptr;
+}
+
 /// An entry without a name may bear any: it takes that of its definition when it runs.
 void markNamed(List const& list, std::size_t end, std::string const& name,
                std::vector<bool>& needed) {
   for (std::size_t i = 0; i < end; ++i) {
     if (list[i].first == name || list[i].first.empty()) {
-      needed[i] = true;
+      needed[i] = !changesData(list[i]);
     }
   }
 }
 
-void markAll(std::size_t end, std::vector<bool>& needed) {
+void markAll(List const& list, std::size_t end, std::vector<bool>& needed) {
   for (std::size_t i = 0; i < end; ++i) {
-    needed[i] = true;
+    needed[i] = !changesData(list[i]);
   }
 }
 
 }  // namespace
 
 bool hasStatement(moxDataSourceToProcess const& entry) {
-  return sqlExecution(entry) != nullptr || isGroup(entry);
+  return sqlExecution(entry) != nullptr || isGroup(entry) || changesData(entry);
 }
 
 std::vector<bool> entriesNeededForStatements(List const& list) {
@@ -51,7 +58,7 @@ std::vector<bool> entriesNeededForStatements(List const& list) {
         markNamed(list, i, filterSource, needed);
       }
     } else if (needed[i] && !isGroup(list[i])) {
-      markAll(i, needed);  // what it reads is known to nobody else
+      markAll(list, i, needed);  // what it reads is known to nobody else
       return needed;
     }
   }

@@ -19,6 +19,14 @@ bool RunRecorder::executes() const {
   return open_.empty() ? mode_ == Mode::kExecute : open_.back().executes;
 }
 
+bool RunRecorder::mayChangeData() {
+  if (mode_ == Mode::kExecute) {
+    return true;
+  }
+  sourceAtWork().executed = false;
+  return false;
+}
+
 void RunRecorder::statement(moxRunStatement statement) {
   sourceAtWork().statements.push_back(std::move(statement));
 }

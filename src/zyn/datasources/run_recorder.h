@@ -41,6 +41,10 @@ class RunRecorder {
   /// records it, and registers an empty matrix.
   bool executes() const;
 
+  /// Asked by the source at work before it changes data. Never true in a run that only puts
+  /// statements together, whoever needs the source; it then counts as not executed.
+  bool mayChangeData();
+
   /// A statement of the source at work, recorded before it is executed.
   void statement(moxRunStatement statement);
 

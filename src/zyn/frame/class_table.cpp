@@ -4,16 +4,21 @@
 
 #include "mox/core/registry.h"
 #include "zyn/datasources/aggregation_data_source.h"
+#include "zyn/datasources/column_expression.h"
 #include "zyn/datasources/dado_data_source.h"
 #include "zyn/datasources/data_source_execution_context.h"
 #include "zyn/datasources/data_source_label.h"
+#include "zyn/datasources/expression_data_source.h"
 #include "zyn/datasources/filter_data_source.h"
 #include "zyn/datasources/filter_data_source_spec.h"
 #include "zyn/datasources/group_data_source.h"
 #include "zyn/datasources/join_data_source.h"
 #include "zyn/datasources/manage_filter_data_source.h"
+#include "zyn/datasources/object_data_source.h"
+#include "zyn/datasources/pivot_data_source.h"
 #include "zyn/datasources/sorter_data_source.h"
 #include "zyn/datasources/sql_data_source.h"
+#include "zyn/datasources/union_data_source.h"
 #include "zyn/expressions/expression_context.h"
 #include "zyn/expressions/expression_context_utilities.h"
 #include "zyn/filters/filter_specifications.h"
@@ -172,7 +177,12 @@ void registerDataSources(moxPluginRegistry& registry) {
   internal<SQLDataSource>(registry, "moxSQLDataSource");
   internal<AggregationDataSource>(registry, "moxAggregationDataSource");
   internal<SorterDataSource>(registry, "moxSorterDataSource");
+  internal<ObjectDataSource>(registry, "moxObjectDataSource");
   internal<JoinDataSource>(registry, "moxJoinDataSource");
+  internal<ExpressionDataSource>(registry, "moxExpressionDataSource");
+  internal<ColumnExpression>(registry, "moxColumnExpression");
+  internal<DataSourcePivoting>(registry, "moxDataSourcePivoting");
+  internal<UnionDataSource>(registry, "moxUnionDataSource");
   internal<DataSourceExecutionContext>(registry, "moxDataSourceExecutionContext");
   internal<FilterDataSource>(registry, "moxFilterDataSource");
   internal<FilterDataSourceSpec>(registry, "moxFilterDataSourceSpec");

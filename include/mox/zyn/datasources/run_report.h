@@ -84,7 +84,8 @@ class moxRunReporter {
   virtual void keepRunReport() = 0;
 
   /// As keepRunReport, for a run that only puts statements together. A source is executed all the
-  /// same when the statement of a later one needs its rows; others register an empty matrix.
+  /// same when the statement of a later one needs its rows; others register an empty matrix. One
+  /// that changes data is never executed.
   virtual void composeOnly() = 0;
 
   /// What happened so far; after an exception up to where it was thrown.
