@@ -5,6 +5,8 @@
 #include <limits>
 #include <vector>
 
+#include "zyn/matrix/large_allocator.h"
+
 /// Spreads the bits of a word over all others.
 inline std::uint64_t mixWord(std::uint64_t word) {
   constexpr std::uint64_t kOdd = 0x9E3779B97F4A7C15U;
@@ -27,7 +29,14 @@ class WordTable {
   /// between different things of one word.
   template <class Same, class Number>
   std::uint32_t findOrAdd(std::uint64_t word, Same const& same, Number const& number) {
-    std::size_t const place = placeOf(word, same);
+    return findOrAddAt(hashOf(word), word, same, number);
+  }
+
+  /// The same where the word's hash is known already.
+  template <class Same, class Number>
+  std::uint32_t findOrAddAt(std::uint64_t hash, std::uint64_t word, Same const& same,
+                            Number const& number) {
+    std::size_t const place = placeFrom(hash & mask_, word, same);
     if (slots_[place].number != kAbsent) {
       return slots_[place].number;
     }
@@ -41,7 +50,11 @@ class WordTable {
 
   /// Asks memory for the place of a word that will be looked for soon. Whoever looks for many words
   /// asks for some of them ahead, as the place of each is anywhere.
-  void prefetch(std::uint64_t word) const { __builtin_prefetch(&slots_[homeOf(word)]); }
+  void prefetch(std::uint64_t word) const { prefetchAt(hashOf(word)); }
+  void prefetchAt(std::uint64_t hash) const { __builtin_prefetch(&slots_[hash & mask_]); }
+
+  /// Stays the same while the table grows.
+  std::uint64_t hashOf(std::uint64_t word) const { return mixWord(word ^ seed_); }
 
   /// The number that stands where the word would stand, were there no others: mostly the word's
   /// own.
@@ -58,13 +71,18 @@ class WordTable {
     std::uint64_t word = 0;
     std::uint32_t number = kAbsent;
   };
+  using Slots = std::vector<Slot, LargeAllocator<Slot>>;
 
-  std::size_t homeOf(std::uint64_t word) const { return mixWord(word ^ seed_) & mask_; }
+  std::size_t homeOf(std::uint64_t word) const { return hashOf(word) & mask_; }
 
   /// Where the word stands, or would have to.
   template <class Same>
   std::size_t placeOf(std::uint64_t word, Same const& same) const {
-    std::size_t place = homeOf(word);
+    return placeFrom(homeOf(word), word, same);
+  }
+
+  template <class Same>
+  std::size_t placeFrom(std::size_t place, std::uint64_t word, Same const& same) const {
     while (slots_[place].number != kAbsent &&
            !(slots_[place].word == word && same(slots_[place].number))) {
       place = (place + 1) & mask_;
@@ -73,7 +91,7 @@ class WordTable {
   }
 
   void grow() {
-    std::vector<Slot> old(slots_.size() * 4);
+    Slots old(slots_.size() * 4);
     old.swap(slots_);
     mask_ = slots_.size() - 1;
     auto const different = [](std::uint32_t) { return false; };
@@ -84,7 +102,7 @@ class WordTable {
     }
   }
 
-  std::vector<Slot> slots_ = std::vector<Slot>(1024);  // a power of two, at most half of it used
+  Slots slots_ = Slots(1024);  // a power of two, at most half of it used
   std::size_t mask_ = slots_.size() - 1;
   std::size_t used_ = 0;
   std::uint64_t seed_ = hashSeed();

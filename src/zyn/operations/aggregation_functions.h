@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "zyn/operations/aggregation_kernels.h"
@@ -58,36 +59,54 @@ class DoubleSum : public DoubleFunction<doubleSum_func<DoubleCursor, DoubleCurso
                                         doubleSum_func<DoubleValue, DoubleGroup>> {
  public:
   std::string name() const override { return "moxDoubleSum"; }
+
+ protected:
+  std::optional<NumberTotal> total() const override { return NumberTotal::kSum; }
 };
 
 class IntegralSum : public IntegralFunction<integralSum_func<IntegralCursor, IntegralCursor>,
                                             integralSum_func<IntegralValue, IntegralGroup>> {
  public:
   std::string name() const override { return "moxIntegralSum"; }
+
+ protected:
+  std::optional<NumberTotal> total() const override { return NumberTotal::kSum; }
 };
 
 class DoubleMin final : public DoubleFunction<doubleMin_func<DoubleCursor, DoubleCursor>,
                                               doubleMin_func<DoubleValue, DoubleGroup>> {
  public:
   std::string name() const override { return "moxDoubleMin"; }
+
+ protected:
+  std::optional<NumberTotal> total() const override { return NumberTotal::kMin; }
 };
 
 class IntegralMin final : public IntegralFunction<integralMin_func<IntegralCursor, IntegralCursor>,
                                                   integralMin_func<IntegralValue, IntegralGroup>> {
  public:
   std::string name() const override { return "moxIntegralMin"; }
+
+ protected:
+  std::optional<NumberTotal> total() const override { return NumberTotal::kMin; }
 };
 
 class DoubleMax final : public DoubleFunction<doubleMax_func<DoubleCursor, DoubleCursor>,
                                               doubleMax_func<DoubleValue, DoubleGroup>> {
  public:
   std::string name() const override { return "moxDoubleMax"; }
+
+ protected:
+  std::optional<NumberTotal> total() const override { return NumberTotal::kMax; }
 };
 
 class IntegralMax final : public IntegralFunction<integralMax_func<IntegralCursor, IntegralCursor>,
                                                   integralMax_func<IntegralValue, IntegralGroup>> {
  public:
   std::string name() const override { return "moxIntegralMax"; }
+
+ protected:
+  std::optional<NumberTotal> total() const override { return NumberTotal::kMax; }
 };
 
 class BlobFirst final : public BlobFunction<blobFirst_func<BlobCursor, BlobCursor>,

@@ -1,5 +1,7 @@
 #include "zyn/operations/aggregation_run.h"
 
+#include <algorithm>
+
 #include "mox/core/application.h"
 #include "mox/core/xml.h"
 #include "mox/zyn/frame/plugin_entry.h"
@@ -54,20 +56,6 @@ void addNulls(moxDataMatrixColumn& column, std::uint32_t rows) {
   }
 }
 
-/// The number of rows in each group.
-MatrixColumn countsOf(KeyGroups const& groups) {
-  auto column = makeColumn(moxDataMatrixTypes::Int);
-  column->setName("data_count");
-  auto& storage = dynamic_cast<CommonColumn<int>&>(*column).storage();
-  auto& counts = storage.values.array();
-  counts.assign(groups.firstRow.size(), 0);
-  for (std::uint32_t const group : groups.groupOfRow) {
-    ++counts[group];
-  }
-  storage.nulls.pushValid(counts.size());
-  return column;
-}
-
 }  // namespace
 
 AggregationRun::AggregationRun(moxDataMatrix const& matrix, std::vector<std::string> const& indexes,
@@ -79,8 +67,23 @@ AggregationRun::AggregationRun(moxDataMatrix const& matrix, std::vector<std::str
     }
   }
   for (auto const& function : functions) {
-    steps_.push_back({forOneRun(function), {}});
+    steps_.push_back(stepFor(forOneRun(function)));
   }
+}
+
+AggregationRun::Step AggregationRun::stepFor(Function const& function) const {
+  Step step{function};
+  auto* const grouped = dynamic_cast<GroupedAggregation*>(function.get());
+  auto const* const common = dynamic_cast<moxCommonAggregationFunction const*>(function.get());
+  if (grouped == nullptr || common == nullptr) {
+    return step;
+  }
+  step.grouped = grouped;
+  if (auto const source = readable(matrix_, common->getSourceColumn())) {
+    step.source = asOwn(source, rows_);
+    step.total = grouped->totalOf(*step.source);
+  }
+  return step;
 }
 
 std::shared_ptr<moxDataMatrix> AggregationRun::result(bool countColumn) {
@@ -89,7 +92,7 @@ std::shared_ptr<moxDataMatrix> AggregationRun::result(bool countColumn) {
     emptyResult(*made);
     return made;
   }
-  groups_ = groupRows(keys_, rows_);
+  group(countColumn);
   refuseTooManyRows(groups_.firstRow.size());
   RowOrder const firstRows(groups_.firstRow.begin(), groups_.firstRow.end());
   for (auto const& key : keys_) {
@@ -104,12 +107,37 @@ std::shared_ptr<moxDataMatrix> AggregationRun::result(bool countColumn) {
   }
   computeRowByRow(rowByRow);
   if (countColumn) {
-    made->addColumn(countsOf(groups_));
+    made->addColumn(rowCounts());
   }
   for (auto const& step : steps_) {
     step.function->posProcess(made);
   }
   return made;
+}
+
+void AggregationRun::group(bool countColumn) {
+  for (auto const& step : steps_) {
+    if (step.total) {
+      totals_.ask(step.source, *step.total);
+    }
+  }
+  if (countColumn) {
+    totals_.askRows();
+  }
+  if (!needsGroupOfRow()) {
+    groups_.firstRow = groupRows(keys_, rows_, totals_);
+    return;
+  }
+  GroupKeeper keeper(totals_);
+  groups_.firstRow = groupRows(keys_, rows_, keeper);
+  groups_.groupOfRow = keeper.takeRows();
+}
+
+/// For functions of other than numbers, and those of other libraries.
+bool AggregationRun::needsGroupOfRow() const {
+  return std::any_of(steps_.begin(), steps_.end(), [](Step const& step) {
+    return step.grouped == nullptr || (step.source && !step.total);
+  });
 }
 
 void AggregationRun::emptyResult(moxDataMatrix& made) {
@@ -135,15 +163,19 @@ void AggregationRun::addFunctionColumns(moxDataMatrix& made, Step& step, std::ui
 
 /// False for a function of another library.
 bool AggregationRun::computeAtOnce(Step const& step) const {
-  auto* const grouped = dynamic_cast<GroupedAggregation*>(step.function.get());
-  auto const* const common = dynamic_cast<moxCommonAggregationFunction const*>(step.function.get());
-  if (grouped == nullptr || common == nullptr) {
-    return false;
+  if (step.total) {
+    step.grouped->writeTotals(step.source, totals_);
+  } else if (step.source) {
+    step.grouped->computeGroups(*step.source, groups_);
   }
-  if (auto const source = readable(matrix_, common->getSourceColumn())) {
-    grouped->computeGroups(*asOwn(source, rows_), groups_);
-  }
-  return true;
+  return step.grouped != nullptr;
+}
+
+MatrixColumn AggregationRun::rowCounts() const {
+  auto column = makeColumn(moxDataMatrixTypes::Int);
+  column->setName("data_count");
+  totals_.writeRows(*column);
+  return column;
 }
 
 void AggregationRun::computeRowByRow(std::vector<Step const*> const& steps) const {

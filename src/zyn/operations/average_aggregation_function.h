@@ -51,6 +51,13 @@ class AverageAggregationFunction : public Sum {
     }
   }
 
+  void writeTotals(MatrixColumn const& source, NumberTotals const& totals) override {
+    Sum::writeTotals(source, totals);
+    if (counter_) {
+      totals.writeCounts(source, *counter_->getParentColumn());
+    }
+  }
+
  protected:
   using typename Sum::Cursor;
   using Counter = moxIteratorBase<int>;

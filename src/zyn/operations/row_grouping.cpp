@@ -1,6 +1,7 @@
 #include "zyn/operations/row_grouping.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <limits>
 #include <memory>
@@ -166,13 +167,56 @@ class NaNGroups {
   KeyGroups groups_;
 };
 
-}  // namespace
+class NobodyTakes final : public GroupTaker {
+ public:
+  void take(std::uint32_t, std::uint32_t, std::uint32_t const*, std::uint32_t) override {}
+  void restart() override {}
+};
 
-KeyGroups groupRows(std::vector<MatrixColumn> const& keys, std::uint32_t rows) {
-  if (keys.empty()) {
-    return {std::vector<std::uint32_t>(rows), std::vector<std::uint32_t>(rows == 0 ? 0 : 1)};
-  }
+KeyGroups hashedGroups(std::vector<MatrixColumn> const& keys, std::uint32_t rows) {
   KeyGrouper grouper;
   return grouper.group(pointersTo(keys), rows) ? grouper.takeGroups()
                                                : NaNGroups(keys, rows).take();
+}
+
+constexpr std::uint32_t kBlock = 512;
+
+/// Without keys all rows are one group.
+std::vector<std::uint32_t> handOnOneGroup(std::uint32_t rows, GroupTaker& taker) {
+  std::array<std::uint32_t, kBlock> const groups{};
+  for (std::uint32_t from = 0; from < rows; from += kBlock) {
+    taker.take(from, std::min(kBlock, rows - from), groups.data(), 1);
+  }
+  return std::vector<std::uint32_t>(rows == 0 ? 0 : 1);
+}
+
+void handOn(KeyGroups const& groups, GroupTaker& taker) {
+  auto const groupCount = static_cast<std::uint32_t>(groups.firstRow.size());
+  auto const rows = static_cast<std::uint32_t>(groups.groupOfRow.size());
+  for (std::uint32_t from = 0; from < rows; from += kBlock) {
+    taker.take(from, std::min(kBlock, rows - from), groups.groupOfRow.data() + from, groupCount);
+  }
+}
+
+}  // namespace
+
+KeyGroups groupRows(std::vector<MatrixColumn> const& keys, std::uint32_t rows) {
+  NobodyTakes nobody;
+  GroupKeeper keeper(nobody);
+  auto firstRow = groupRows(keys, rows, keeper);
+  return {keeper.takeRows(), std::move(firstRow)};
+}
+
+std::vector<std::uint32_t> groupRows(std::vector<MatrixColumn> const& keys, std::uint32_t rows,
+                                     GroupTaker& taker) {
+  if (keys.empty()) {
+    return handOnOneGroup(rows, taker);
+  }
+  std::vector<std::uint32_t> firstRow;
+  if (!groupPackedRows(keys, rows, taker, firstRow)) {
+    KeyGroups groups = hashedGroups(keys, rows);
+    handOn(groups, taker);
+    firstRow = std::move(groups.firstRow);
+  }
+  return firstRow;
 }

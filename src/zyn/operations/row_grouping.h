@@ -1,10 +1,12 @@
 #pragma once
 
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 #include "zyn/matrix/column_copy.h"
 #include "zyn/matrix/key_groups.h"
+#include "zyn/operations/packed_grouping.h"
 
 /// The groups of the first `rows` rows, by keys that are columns of the module's own with that many
 /// rows at least. Each row stays in the group of the row before it when the keys agree with those
@@ -15,3 +17,29 @@
 /// group. Without one the rows are hashed; with one each different key looks through the groups
 /// once.
 KeyGroups groupRows(std::vector<MatrixColumn> const& keys, std::uint32_t rows);
+
+/// The same, with the groups handed to `taker`. Gives their first rows.
+std::vector<std::uint32_t> groupRows(std::vector<MatrixColumn> const& keys, std::uint32_t rows,
+                                     GroupTaker& taker);
+
+/// Keeps the group of each row, and hands the groups on.
+class GroupKeeper final : public GroupTaker {
+ public:
+  explicit GroupKeeper(GroupTaker& next) : next_(next) {}
+
+  void take(std::uint32_t from, std::uint32_t count, std::uint32_t const* groups,
+            std::uint32_t groupCount) override {
+    groupOfRow_.insert(groupOfRow_.end(), groups, groups + count);
+    next_.take(from, count, groups, groupCount);
+  }
+  void restart() override {
+    groupOfRow_.clear();
+    next_.restart();
+  }
+
+  std::vector<std::uint32_t> takeRows() { return std::move(groupOfRow_); }
+
+ private:
+  GroupTaker& next_;
+  std::vector<std::uint32_t> groupOfRow_;
+};

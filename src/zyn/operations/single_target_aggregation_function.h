@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -12,6 +13,7 @@
 #include "zyn/operations/aggregation_cells.h"
 #include "zyn/operations/common_aggregation_function.h"
 #include "zyn/operations/grouped_aggregation.h"
+#include "zyn/operations/number_totals.h"
 
 /// A function that computes one column. `F` is the family, `Column` and `kType` tell the column,
 /// `kernel` takes a value into a group. `Group` and `kGroupKernel` are the same over plain arrays.
@@ -54,12 +56,25 @@ class SingleTargetAggregationFunction : public CommonAggregationFunction<F>,
     }
   }
 
+  std::optional<NumberTotal> totalOf(moxDataMatrixColumn const& source) const override {
+    return source.getType() == kType ? total() : std::nullopt;
+  }
+
+  void writeTotals(MatrixColumn const& source, NumberTotals const& totals) override {
+    if (target_) {
+      totals.write(source, *total(), *target_->getParentColumn());
+    }
+  }
+
  protected:
   using T = typename moxDataMatrixValue<kType>::Type;
   using Cursor = moxIteratorBase<T>;
 
   /// Takes a value that is not null into the group on which the cursors stand.
   virtual void take(Cursor const& source) { kKernel(source, *target_); }
+
+  /// Of the numbers of a group; none for a function of other values.
+  virtual std::optional<NumberTotal> total() const { return std::nullopt; }
 
   /// Empty before setIterators.
   std::shared_ptr<Cursor> const& target() const { return target_; }

@@ -2,7 +2,10 @@
 
 #include <algorithm>
 #include <array>
+#include <cctype>
 #include <cmath>
+#include <iterator>
+#include <random>
 
 #include "mox/core/application.h"
 #include "mox/zyn/matrix/aggregation_function.h"
@@ -242,6 +245,56 @@ void temporaryTable(TestHost& host, moxDataMatrix const& table, std::string cons
   pushed->process(tableName);
 }
 
+/// Keys and numbers as tables of thousands of rows have them: few values or many, close together or
+/// anywhere, and sometimes of another kind near the end than before.
+class LargeTables {
+ public:
+  explicit LargeTables(std::uint64_t seed) : random_(seed) {}
+
+  Matrix table() {
+    rows_ = 1 + below(3000);
+    turn_ = below(2) == 0 ? rows_ : below(rows_);
+    nulls_ = below(2) == 0 ? 0 : 1 + below(20);
+    auto const made = matrix({});
+    add(*made, "k", ints(), [&, span = span(), late = span()](bool isLate) {
+      return Cell(static_cast<int>(below(isLate ? late : span)) - 1000);
+    });
+    add(*made, "j", ints(),
+        [&, span = span()](bool) { return Cell(static_cast<int>(below(span) * 40503)); });
+    add(*made, "t", texts(), [&, span = span()](bool isLate) {
+      auto const number = std::to_string(below(span));
+      return Cell(isLate ? "a text that is long " + number : number);
+    });
+    add(*made, "v", ints(), [&](bool) { return Cell(static_cast<int>(below(2001)) - 1000); });
+    add(*made, "d", doubles(), [&](bool) {
+      return Cell((static_cast<double>(below(8001)) - 4000) / 4);  // sums are exact
+    });
+    return made;
+  }
+
+  std::uint64_t below(std::uint64_t limit) { return random_() % limit; }
+
+ private:
+  std::uint64_t span() {
+    static constexpr std::array<std::uint64_t, 4> kSpans{3, 50, 2000, 2'000'000'000};
+    return kSpans[below(kSpans.size())];
+  }
+
+  template <class Value>
+  void add(moxDataMatrix& made, std::string const& name, Cells cells, Value const& value) {
+    for (std::uint64_t row = 0; row < rows_; ++row) {
+      bool const isNull = nulls_ != 0 && below(nulls_) == 0;
+      cells.values.push_back(isNull ? Cell(null) : value(row >= turn_));
+    }
+    made.addColumn(column(name, cells));
+  }
+
+  std::mt19937_64 random_;
+  std::uint64_t rows_ = 0;
+  std::uint64_t turn_ = 0;   // the row from which values are of the other kind
+  std::uint64_t nulls_ = 0;  // of so many cells one is null; 0 for none
+};
+
 }  // namespace
 
 TEST(DataMatrixAggregatorProperty, GivesWhatAPlainOneGives) {
@@ -291,5 +344,43 @@ TEST(DataMatrixAggregatorProperty, GivesWhatADatabaseGives) {
         "where", 0, "", 0);
     ASSERT_TRUE(counts->step());
     ASSERT_EQ(counts->getInt(0), 0) << "round " << round;
+  }
+}
+
+TEST(DataMatrixAggregatorProperty, GivesTheGroupsOfLargeTablesThatADatabaseGives) {
+  constexpr char const* kKeys[] = {"k", "j", "t", "k, j", "j, t", "k, j, t"};
+  TestHost host(TestHost::kMemoryDatabase);
+  LargeTables random(4711);
+  for (int round = 0; round < 60; ++round) {
+    auto const input = random.table();
+    std::string const keys = kKeys[random.below(std::size(kKeys))];
+    Definition definition{{},
+                          {{"moxIntegralSum", "v"},
+                           {"moxIntegralMin", "v"},
+                           {"moxDoubleSum", "d"},
+                           {"moxDoubleMin", "d"},
+                           {"moxDoubleMax", "d"},
+                           {"moxDoubleAvg", "d"}},
+                          true};
+    for (char const key : keys) {
+      if (std::isalpha(key) != 0) {
+        definition.indexes.emplace_back(1, key);
+      }
+    }
+    temporaryTable(host, *input, "entrada");
+    temporaryTable(host, *aggregated(host, definition, input), "saida");
+
+    auto const difference = host.application().query(
+        "select count(*), (select count(*) from saida) from (select row_number() over (order by "
+        "min(rowid)), " +
+            keys +
+            ", sum(v), min(v), sum(d), min(d), max(d), avg(d), nullif(count(d), 0), count(*) from "
+            "entrada group by " +
+            keys + " intersect select rowid, * from saida)",
+        "where", 0, "", 0);
+
+    ASSERT_TRUE(difference->step());
+    ASSERT_GT(difference->getInt(1), 0);
+    ASSERT_EQ(difference->getInt(0), difference->getInt(1)) << "round " << round << ", by " << keys;
   }
 }

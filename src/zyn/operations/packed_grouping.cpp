@@ -1,0 +1,119 @@
+#include "zyn/operations/packed_grouping.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+
+#include "zyn/matrix/large_allocator.h"
+#include "zyn/matrix/word_table.h"
+#include "zyn/operations/packed_keys.h"
+
+namespace {
+
+constexpr std::uint32_t kBlock = PackedKeys::kBlock;
+constexpr std::uint32_t kAbsent = WordTable::kAbsent;
+
+using Words = std::array<std::uint64_t, kBlock>;
+using Groups = std::array<std::uint32_t, kBlock>;
+using FirstRows = std::vector<std::uint32_t>;
+
+std::uint32_t newGroup(FirstRows& firstRow, std::uint32_t row) {
+  firstRow.push_back(row);
+  return static_cast<std::uint32_t>(firstRow.size() - 1);
+}
+
+/// Groups by their words themselves: an array with a place for each word.
+class DirectTable {
+ public:
+  explicit DirectTable(unsigned int bits) : groups_(std::size_t{1} << bits, kAbsent) {}
+
+  void find(Words const& words, std::uint32_t from, std::uint32_t count, FirstRows& firstRow,
+            Groups& groups) {
+    for (std::uint32_t i = 0; isLarge() && i < count; ++i) {
+      __builtin_prefetch(&groups_[words[i]]);
+    }
+    for (std::uint32_t i = 0; i < count; ++i) {
+      std::uint32_t& group = groups_[words[i]];
+      if (group == kAbsent) {
+        group = newGroup(firstRow, from + i);
+      }
+      groups[i] = group;
+    }
+  }
+
+ private:
+  bool isLarge() const { return groups_.size() > kNear; }
+
+  static constexpr std::size_t kNear = std::size_t{1} << 14;  // the nearest cache holds them
+
+  std::vector<std::uint32_t, LargeAllocator<std::uint32_t>> groups_;
+};
+
+class HashTable {
+ public:
+  void find(Words const& words, std::uint32_t from, std::uint32_t count, FirstRows& firstRow,
+            Groups& groups) {
+    std::array<std::uint64_t, kBlock> hashes;
+    for (std::uint32_t i = 0; i < count; ++i) {
+      hashes[i] = table_.hashOf(words[i]);
+    }
+    for (std::uint32_t i = 0; i < count; ++i) {
+      table_.prefetchAt(hashes[i]);
+    }
+    for (std::uint32_t i = 0; i < count; ++i) {
+      groups[i] = table_.findOrAddAt(
+          hashes[i], words[i], [](std::uint32_t) { return true; },
+          [&] { return newGroup(firstRow, from + i); });
+    }
+  }
+
+ private:
+  WordTable table_;
+};
+
+/// False when the keys differ in more bits than was guessed.
+template <class Table>
+bool groupBy(Table table, PackedKeys const& keys, std::uint32_t rows, GroupTaker& taker,
+             FirstRows& firstRow) {
+  Words words;
+  Groups groups;
+  for (std::uint32_t from = 0; from < rows; from += kBlock) {
+    std::uint32_t const count = std::min(kBlock, rows - from);
+    if (!keys.words(from, count, words.data())) {
+      return false;
+    }
+    table.find(words, from, count, firstRow, groups);
+    taker.take(from, count, groups.data(), static_cast<std::uint32_t>(firstRow.size()));
+  }
+  return true;
+}
+
+/// An array with a place for each word is worth its memory.
+bool isDense(PackedKeys const& keys, std::uint32_t rows) {
+  constexpr unsigned int kMostBits = 22;
+  constexpr std::size_t kFewWords = 4096;
+  return keys.bits() <= kMostBits &&
+         (std::size_t{1} << keys.bits()) <= std::max<std::size_t>(rows, kFewWords);
+}
+
+bool groupBy(PackedKeys const& keys, std::uint32_t rows, GroupTaker& taker, FirstRows& firstRow) {
+  return isDense(keys, rows) ? groupBy(DirectTable(keys.bits()), keys, rows, taker, firstRow)
+                             : groupBy(HashTable(), keys, rows, taker, firstRow);
+}
+
+}  // namespace
+
+bool groupPackedRows(std::vector<MatrixColumn> const& keys, std::uint32_t rows, GroupTaker& taker,
+                     FirstRows& firstRow) {
+  PackedKeys packed(keys, rows);
+  if (!packed.isPossible()) {
+    return false;
+  }
+  if (groupBy(packed, rows, taker, firstRow)) {
+    return true;
+  }
+  taker.restart();
+  firstRow.clear();
+  packed.lookAtAll();
+  return packed.isPossible() && groupBy(packed, rows, taker, firstRow);
+}
