@@ -12,7 +12,7 @@ Measures floor, ours and peers in turns and prints a table of medians.
   --rows N     rows of every case, in place of its own number (loads 1M, sorts 10M); up to 16M
   --rounds N   rounds; 5 unless told
   --case NAME  only this case; may be repeated: load-sqlite, load-mariadb, sort-numbers, sort-text, append, walk, index,
-               expression
+               group-int, group-text, group-two, expression
   --cpu        processor time in place of elapsed time, for a machine with other work
   --write      put machine and table into docs/benchmarks.md; needs 5 rounds or more
   --help       this text
@@ -120,7 +120,8 @@ shift "$count"
 
 mkdir -p "$work"
 python=$(find_python)
-[ -z "$python" ] || set -- "$@" --python "$python" --pandas-peer "$peers/pandas_peer.py"
+[ -z "$python" ] || set -- "$@" --python "$python" --pandas-peer "$peers/pandas_peer.py" \
+  --pandas-group-peer "$peers/pandas_group.py"
 if [ -n "$python" ] && "$python" -c 'import numexpr' >/dev/null 2>&1; then
   set -- "$@" --numexpr-peer "$peers/numexpr_peer.py"
 else
@@ -131,7 +132,7 @@ duckdb=$npm/node_modules/@duckdb/node-bindings-linux-x64/libduckdb.so
 [ ! -f "$duckdb" ] || set -- "$@" --duckdb "$duckdb"
 if [ -d "$npm/node_modules/nodejs-polars" ] && command -v node >/dev/null 2>&1; then
   set -- "$@" --node node --polars-peer "$peers/polars_peer.js" --npm "$npm" \
-    --polars-expression-peer "$peers/polars_expression.js"
+    --polars-expression-peer "$peers/polars_expression.js" --polars-group-peer "$peers/polars_group.js"
 fi
 mariadb_socket=
 if wants_mariadb; then

@@ -17,10 +17,12 @@ struct BenchContext {
   std::string duckdbLibrary;
   std::string python;  // an interpreter
   std::string pandasScript;
+  std::string pandasGroupScript;
   std::string numexprScript;
   std::string node;
   std::string polarsScript;
   std::string polarsExpressionScript;
+  std::string polarsGroupScript;
   std::string npmDirectory;  // where polars is installed
 };
 

@@ -11,6 +11,9 @@ std::vector<Case> const& allCases() {
       {"append", "appending to a column, value by value", &appendCase},
       {"walk", "reading a column with a cursor", &walkCase},
       {"index", "building a key index and looking keys up", &indexCase},
+      {"group-int", "sum, lowest and number by an integer", &groupByNumberCase},
+      {"group-text", "the same by a text of ten bytes", &groupByTextCase},
+      {"group-two", "the same by two integers", &groupByTwoNumbersCase},
       {"expression", "a column computed from three of doubles", &expressionCase},
   };
   return cases;

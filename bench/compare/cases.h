@@ -27,6 +27,9 @@ std::vector<CaseResult> sortByCodeCase(BenchContext const& context);
 std::vector<CaseResult> appendCase(BenchContext const& context);
 std::vector<CaseResult> walkCase(BenchContext const& context);
 std::vector<CaseResult> indexCase(BenchContext const& context);
+std::vector<CaseResult> groupByNumberCase(BenchContext const& context);
+std::vector<CaseResult> groupByTextCase(BenchContext const& context);
+std::vector<CaseResult> groupByTwoNumbersCase(BenchContext const& context);
 std::vector<CaseResult> expressionCase(BenchContext const& context);
 
 }  // namespace bench

@@ -54,11 +54,15 @@ void declareOptions(CLI::App& app, Options& options) {
   app.add_option("--duckdb", context.duckdbLibrary, "DuckDB's shared library");
   app.add_option("--python", context.python, "an interpreter with pandas");
   app.add_option("--pandas-peer", context.pandasScript, "the script that drives pandas");
+  app.add_option("--pandas-group-peer", context.pandasGroupScript,
+                 "the script that has pandas group");
   app.add_option("--numexpr-peer", context.numexprScript, "the script that drives numexpr");
   app.add_option("--node", context.node, "a node program");
   app.add_option("--polars-peer", context.polarsScript, "the script that drives Polars");
   app.add_option("--polars-expression-peer", context.polarsExpressionScript,
                  "the script that has Polars compute expressions");
+  app.add_option("--polars-group-peer", context.polarsGroupScript,
+                 "the script that has Polars group");
   app.add_option("--npm", context.npmDirectory, "where Polars is installed");
 }
 

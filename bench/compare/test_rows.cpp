@@ -43,8 +43,12 @@ void writeDescription(TestRow& row, std::uint64_t index, std::uint64_t noise) {
 
 }  // namespace
 
+std::uint64_t noiseOf(std::uint64_t row, std::uint64_t field) {
+  return scrambled(row * kFieldsPerRow + field);
+}
+
 TestRow testRow(std::uint64_t row) {
-  auto const noise = [row](std::uint64_t field) { return scrambled(row * kFieldsPerRow + field); };
+  auto const noise = [row](std::uint64_t field) { return noiseOf(row, field); };
   TestRow made{};
   made.number = static_cast<std::int32_t>(noise(0) % 100'000);
   made.ratingIsNull = noise(1) % 10 == 0;

@@ -24,6 +24,9 @@ constexpr char const* kColumnNames = "number, rating, amount, day, code, descrip
 
 TestRow testRow(std::uint64_t row);
 
+/// A number without pattern for each field of each row; there are eight fields.
+std::uint64_t noiseOf(std::uint64_t row, std::uint64_t field);
+
 /// "2024-03-05".
 std::string dayText(std::int64_t seconds);
 
