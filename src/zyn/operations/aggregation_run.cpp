@@ -72,7 +72,8 @@ AggregationRun::AggregationRun(moxDataMatrix const& matrix, std::vector<std::str
 }
 
 AggregationRun::Step AggregationRun::stepFor(Function const& function) const {
-  Step step{function};
+  Step step;
+  step.function = function;
   auto* const grouped = dynamic_cast<GroupedAggregation*>(function.get());
   auto const* const common = dynamic_cast<moxCommonAggregationFunction const*>(function.get());
   if (grouped == nullptr || common == nullptr) {
@@ -149,12 +150,17 @@ void AggregationRun::emptyResult(moxDataMatrix& made) {
   }
 }
 
+/// What is computed of prices looks like a price: the first column of one of our own functions. The
+/// others are for the function itself.
 void AggregationRun::addFunctionColumns(moxDataMatrix& made, Step& step, std::uint32_t groups) {
   for (auto const& column : step.function->columns()) {
     if (!column) {
       continue;
     }
     addNulls(*column, groups);
+    if (step.source && step.targets.empty() && column->getType() == step.source->getType()) {
+      column->setFormatter(step.source->getFormatter());
+    }
     step.targets.push_back(column->begin());
     made.addColumn(column);
   }

@@ -47,6 +47,7 @@ MatrixColumn ownColumn(moxDataMatrix& matrix, std::string const& name) {
 /// from, null where there is none.
 MatrixColumn cellsFrom(moxDataMatrixColumn const& source, std::vector<std::uint32_t> const& rows) {
   MatrixColumn column = makeColumn(source.getType());
+  column->setFormatter(source.getFormatter());
   withStorage(source, [&]<class T>(ColumnStorage<T> const& from) {
     auto& to = dynamic_cast<CommonColumn<T>&>(*column).storage();
     to.reserve(rows.size());

@@ -350,6 +350,22 @@ TEST(DataMatrixAggregator, KeysKeepTheirFormatters) {
   EXPECT_EQ(result->columnAt(0)->getFormatter(), formatter);
 }
 
+TEST(DataMatrixAggregator, WhatIsComputedLooksLikeWhatItIsMadeOf) {
+  TestHost host;
+  auto const input = matrix({{"k", texts("x")}, {"v", ints(1)}});
+  auto const formatter = host.get<moxGenericFormatter>("moxIntegralFormatter");
+  input->columnAt(1)->setFormatter(formatter);
+  auto const engine =
+      aggregator(host, {"k"}, {{"moxIntegralAvg", "v", "media"}, {"moxTextMax", "v", "texto"}});
+
+  auto const result = engine->aggregate(input, true, "");
+
+  EXPECT_EQ(result->columnByName("media")->getFormatter(), formatter);
+  EXPECT_EQ(result->columnByName("media$Counter")->getFormatter(), nullptr);
+  EXPECT_EQ(result->columnByName("texto")->getFormatter(), nullptr);
+  EXPECT_EQ(result->columnByName("data_count")->getFormatter(), nullptr);
+}
+
 TEST(DataMatrixAggregator, RunsFunctionsOfAnotherLibraryRowByRow) {
   TestHost host;
   auto const engine = aggregator(host, {"k"}, {{"moxIntegralSum", "k", "s"}});

@@ -421,6 +421,18 @@ TEST(DataMatrixPivoting, ListsKeepTheirOrderAndRemoveTheFirstOfAName) {
   EXPECT_EQ(engine->getCells()[0].aggregation, "moxIntegralMin");
 }
 
+TEST(DataMatrixPivoting, CellsLookLikeTheColumnThatTheyAreMadeOf) {
+  TestHost host;
+  auto const input = matrix({{"k", texts("x")}, {"c", texts("a")}, {"v", ints(1)}});
+  auto const formatter = host.get<moxGenericFormatter>("moxIntegralFormatter");
+  input->columnByName("v")->setFormatter(formatter);
+
+  auto const result =
+      pivoting(host, {"k"}, {"c"}, {{"v", "moxIntegralSum"}})->process(input, nullptr);
+
+  EXPECT_EQ(result->columnByName("a")->getFormatter(), formatter);
+}
+
 TEST(DataMatrixPivoting, GivesWhatAPlainOneGives) {
   constexpr std::array kFunctions{"moxDoubleSum", "moxIntegralSum", "moxTextAppend", "moxDateMax",
                                   "moxBlobLast",  "moxIntegralAvg", "moxTextMin"};
