@@ -94,7 +94,8 @@ class TextWriter {
     writeSearch();
     writeChanges();
     writeIgnored();
-    writeProblems();
+    writeList("what is wrong in the wiring", explanation_.wiring.problems);
+    writeList("what is wrong in the chain", explanation_.chainProblems);
     if (!explanation_.error.empty()) {
       line(0, "");
       labelled("failed", explanation_.error);
@@ -112,6 +113,9 @@ class TextWriter {
       labelled("filter",
                filter.text + (filter.keptToUnits ? " (kept to the units of the run)" : ""));
     }
+    if (!explanation_.order.empty()) {
+      labelled("order", core::sortText(explanation_.order));
+    }
   }
 
   std::string headOfficeText() const {
@@ -127,6 +131,7 @@ class TextWriter {
     line(0, "");
     base_ = static_cast<std::size_t>(std::max(source.depth, 0));
     line(0, fmt::format("{}. {}: {}", number, source.name, outcome(source)));
+    writeStep(source);
     if (!source.wiring.empty()) {
       line(1, "wiring");
     }
@@ -144,11 +149,35 @@ class TextWriter {
     }
   }
 
-  static std::string outcome(moxRunSource const& source) {
-    return source.executed ? fmt::format("{} {}, {:.1f} ms", source.rows,
-                                         source.rows == 1 ? "row" : "rows", source.seconds * 1e3)
-                           : "put together, not run";
+  void writeStep(moxRunSource const& source) {
+    auto const step = stepOf(source);
+    if (!step.reads.empty()) {
+      line(1, fmt::format("reads {}", fmt::join(step.reads, ", ")));
+    }
+    if (!step.does.empty()) {
+      line(1, step.does);
+    }
   }
+
+  std::string outcome(moxRunSource const& source) const {
+    if (!source.executed) {
+      return readsRows(source) ? "not run" : "put together, not run";
+    }
+    auto const rows = givesRows(source)
+                          ? fmt::format("{} {}", source.rows, source.rows == 1 ? "row" : "rows")
+                          : std::string("no rows by design");
+    return fmt::format("{}, {:.1f} ms", rows, source.seconds * 1e3);
+  }
+
+  /// Members of groups have names of their own, which may be those of steps.
+  core::StepExplanation stepOf(moxRunSource const& source) const {
+    auto const found = explanation_.steps.find(source.name);
+    bool const isStep = source.depth == 0 && found != explanation_.steps.end();
+    return isStep ? found->second : core::StepExplanation();
+  }
+
+  bool givesRows(moxRunSource const& source) const { return stepOf(source).givesRows; }
+  bool readsRows(moxRunSource const& source) const { return !stepOf(source).reads.empty(); }
 
   void writeParameters(moxRunStatement const& statement) {
     if (!statement.parameters.empty()) {
@@ -222,14 +251,14 @@ class TextWriter {
     return piece == "select" ? "columns in place of the query's" : piece;
   }
 
-  void writeProblems() {
-    if (explanation_.wiring.problems.empty()) {
+  void writeList(std::string_view heading, std::vector<std::string> const& sentences) {
+    if (sentences.empty()) {
       return;
     }
     line(0, "");
-    line(0, "what is wrong in the wiring");
-    for (auto const& problem : explanation_.wiring.problems) {
-      line(1, problem);
+    line(0, heading);
+    for (auto const& sentence : sentences) {
+      line(1, sentence);
     }
   }
 

@@ -4,6 +4,9 @@
 #include <filesystem>
 #include <optional>
 
+#include "cli/output/csv_format.h"
+#include "core/app/host_container.h"
+
 namespace mox::cli {
 
 namespace {
@@ -37,6 +40,15 @@ std::vector<fs::path> modulePaths(core::Settings const& settings) {
   return paths;
 }
 
+/// What the program itself brings, ahead of the services, which may read documents that name it.
+void enterOwnClasses(core::Registry& registry) {
+  auto registration = registry.newRegistration();
+  registration.setLibraryName("ZYN");
+  registration.registerClass(
+      std::make_unique<core::HostContainer<CsvFormat>>(CsvFormat::kRegisteredName));
+  registry.add(std::move(registration));
+}
+
 }  // namespace
 
 Host::Host(GlobalOptions const& options, Parts parts)
@@ -44,6 +56,7 @@ Host::Host(GlobalOptions const& options, Parts parts)
   for (auto const& path : modulePaths(application_.configuration())) {
     application_.loadModule(path);
   }
+  enterOwnClasses(application_.registry());
   if (parts == Parts::kAll) {
     application_.start();
   }

@@ -28,7 +28,7 @@ std::shared_ptr<moxDataMatrix> listClasses(Host& host) {
 void runClasses(GlobalOptions const& globals, OutputOptions const& output) {
   ResultPrinter printer(output, globals.quiet);
   Host host(globals);
-  printer.print(*listClasses(host));
+  printer.print(listClasses(host));
   printer.tell();
 }
 

@@ -14,7 +14,7 @@ namespace {
 
 struct ExplainOptions {
   DefinitionOptions definition;
-  bool dryRun = false;
+  ChainOptions chain;  // composesOnly is --dry-run
   std::string format = "text";
   std::string out;
 };
@@ -25,10 +25,10 @@ class ExplainCommand {
  public:
   ExplainCommand(GlobalOptions const& globals, ExplainOptions const& options)
       : options_(options),
-        kind_(options.dryRun ? Report::kComposeOnly : Report::kKept),
+        kind_(options.chain.composesOnly ? Report::kComposeOnly : Report::kKept),
         target_(options.out.empty() ? openStandardOutput() : openOutputFile(options.out)),
         host_(globals),
-        run_(prepareRun(host_, globals, options.definition)) {}
+        run_(prepareRun(host_, globals, options.definition, options.chain)) {}
 
   void execute() {
     run_->keepReport(kind_);
@@ -70,8 +70,9 @@ Command addExplainCommand(CLI::App& program) {
       "units, filters that nothing used, rows and time.");
   auto const options = std::make_shared<ExplainOptions>();
   addDefinitionOptions(*parser, options->definition);
+  addChainOptions(*parser, options->chain);
   parser
-      ->add_flag("--dry-run", options->dryRun,
+      ->add_flag("--dry-run", options->chain.composesOnly,
                  "Put the statements together; run only what a\n"
                  "later one needs")
       ->option_text(" ");

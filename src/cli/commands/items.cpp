@@ -39,7 +39,7 @@ void runItems(GlobalOptions const& globals, ItemsOptions const& options) {
   Host host(globals);
   Notes notes;
   noteSkippedElements(host, notes);
-  printer.print(*listItems(host, options.kind));
+  printer.print(listItems(host, options.kind));
   printer.tell();
   notes.tell();
 }

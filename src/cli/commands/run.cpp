@@ -1,5 +1,7 @@
 #include <unistd.h>
 
+#include <cstdio>
+
 #include <CLI/CLI.hpp>
 
 #include "cli/commands/commands.h"
@@ -8,9 +10,13 @@
 #include "cli/output/result_printer.h"
 #include "cli/reported_reading.h"
 #include "cli/run_times.h"
+#include "core/run/group_members.h"
+#include "mox/zyn/datasources/expression_data_source.h"
 #include "mox/zyn/datasources/group_data_source.h"
+#include "mox/zyn/datasources/sorter_data_source.h"
 #include "mox/zyn/datasources/sql_data_source.h"
 #include "mox/zyn/matrix/data_matrix.h"
+#include "mox/zyn/matrix/data_matrix_exporter.h"
 
 namespace mox::cli {
 
@@ -18,25 +24,40 @@ namespace {
 
 struct RunOptions {
   DefinitionOptions definition;
+  ChainOptions chain;
   unsigned int limit = ResultPrinter::kAllRows;
   bool formatted = false;
   bool time = false;
   OutputOptions output;
 };
 
-/// The query whose columns the result has: of a group, that of the member that gives it. Empty for
-/// what is made otherwise. The group has run, so it ends somewhere.
-std::shared_ptr<moxSQLDataSource const> queryBehind(std::shared_ptr<moxDataSource const> source) {
-  while (auto const group = std::dynamic_pointer_cast<moxGroupDataSource const>(source)) {
-    source.reset();
+/// What gives the source its columns: of a group the member that it gives, of what adds to the rows
+/// of another source or sorts them that one. Empty for any other.
+std::shared_ptr<moxDataSource const> behind(moxDataSource const& source) {
+  if (auto const* const group = dynamic_cast<moxGroupDataSource const*>(&source)) {
     for (auto const& member : group->dataSources().get()) {
       if (member && member->getName() == group->getOutputSource()) {
-        source = member->getDataSource();
-        break;
+        return member->getDataSource();
       }
     }
+    return {};
   }
-  return std::dynamic_pointer_cast<moxSQLDataSource const>(source);
+  bool const keepsColumns = dynamic_cast<moxSorterDataSource const*>(&source) != nullptr ||
+                            dynamic_cast<moxExpressionDataSource const*>(&source) != nullptr;
+  auto const read = keepsColumns ? source.getRelatedDataSources(false) : core::SourceList();
+  return read.empty() ? nullptr : read.front();
+}
+
+/// The query whose columns the result has; empty for what is made otherwise. The definition has
+/// run, so its sources end somewhere.
+std::shared_ptr<moxSQLDataSource const> queryBehind(std::shared_ptr<moxDataSource const> source) {
+  while (source) {
+    if (auto query = std::dynamic_pointer_cast<moxSQLDataSource const>(source)) {
+      return query;
+    }
+    source = behind(*source);
+  }
+  return {};
 }
 
 std::map<std::string, std::string> headingsOf(
@@ -55,16 +76,29 @@ std::shared_ptr<moxDataMatrix> load(Host& host, core::DefinitionRun& run, Progre
   return run.run();
 }
 
+/// What takes the place of a result where the definition has none; told when it has run.
+void tellNoRows(Progress& progress, bool quiet) {
+  progress.stop();
+  if (!quiet) {
+    std::fputs("the definition ran; it gives no rows\n", stderr);
+  }
+}
+
 void runDefinition(GlobalOptions const& globals, RunOptions const& options) {
   ResultPrinter printer(options.output, globals.quiet);
   Progress progress(!globals.quiet && isatty(STDERR_FILENO) != 0);
   Stopwatch watch;
   RunTimes times;
   Host host(globals);
-  auto const run = prepareRun(host, globals, options.definition);
+  printer.setExporter(host.make<moxDataMatrixExporter>("moxDataMatrixExporter"));
+  auto const run = prepareRun(host, globals, options.definition, options.chain);
   times.start = watch.lap();
   auto const matrix = load(host, *run, progress);
   times.load = watch.lap();
+  if (!matrix) {
+    tellNoRows(progress, globals.quiet);
+    return;
+  }
   printer.setHeadings(headingsOf(run->definition()));
   if (options.formatted) {
     printer.setFormatted();
@@ -73,7 +107,7 @@ void runDefinition(GlobalOptions const& globals, RunOptions const& options) {
   if (printer.toTerminal()) {
     progress.stop();
   }
-  printer.print(*matrix, options.limit,
+  printer.print(matrix, options.limit,
                 [&](std::int64_t rows) { progress.report(Progress::Stage::kWriting, rows); });
   times.print = watch.lap();
   times.write = printer.writingSeconds();
@@ -96,6 +130,7 @@ Command addRunCommand(CLI::App& program) {
       "formatted values, the other forms plain ones.");
   auto const options = std::make_shared<RunOptions>();
   addDefinitionOptions(*parser, options->definition);
+  addChainOptions(*parser, options->chain);
   parser->add_option("--limit", options->limit, "Write the first N rows only")->option_text("N");
   parser
       ->add_flag("--formatted", options->formatted, "Formatted values in csv, json and ndjson too")

@@ -19,7 +19,6 @@
 #include "cli/output/search_table.h"
 #include "cli/reported_reading.h"
 #include "cli/run_times.h"
-#include "cli/sort_order.h"
 #include "core/run/search_run.h"
 #include "mox/zyn/datasources/sql_data_source.h"
 
@@ -78,7 +77,7 @@ class SearchCommand {
   SearchCommand(GlobalOptions const& globals, SearchOptions const& options)
       : globals_(globals),
         options_(options),
-        order_(orderOf(options)),
+        order_(parseSortOrders(options.sort)),
         printer_(options.output, globals.quiet),
         progress_(!globals.quiet && isatty(STDERR_FILENO) != 0),
         host_(globals) {
@@ -105,15 +104,6 @@ class SearchCommand {
   }
 
  private:
-  static std::vector<SortColumn> orderOf(SearchOptions const& options) {
-    std::vector<SortColumn> order;
-    for (auto const& text : options.sort) {
-      auto const columns = parseSortOrder(text);
-      order.insert(order.end(), columns.begin(), columns.end());
-    }
-    return order;
-  }
-
   void listFilters() {
     auto const entries = filterEntries(*run_, options_.choices);
     if (run_->search().requireFilter()) {
@@ -124,7 +114,7 @@ class SearchCommand {
       bool const asArray = printer_.format() == "json";
       printer_.print([&](OutputBuffer& out) { writeFilterJson(out, entries, asArray); });
     } else {
-      printer_.print(*filterMatrix(host_, entries));
+      printer_.print(filterMatrix(host_, entries));
     }
   }
 

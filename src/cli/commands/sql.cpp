@@ -14,6 +14,7 @@
 #include "cli/sort_order.h"
 #include "cli/statement_source.h"
 #include "mox/zyn/matrix/data_matrix.h"
+#include "mox/zyn/matrix/data_matrix_exporter.h"
 #include "mox/zyn/matrix/data_matrix_sorter.h"
 #include "mox/zyn/sql/data_matrix_sql_loader.h"
 #include "mox/zyn/sql/data_matrix_sql_unique_filters.h"
@@ -178,13 +179,14 @@ void runSql(GlobalOptions const& globals, SqlOptions const& options) {
   ResultPrinter printer(options.output, globals.quiet);
   Progress progress(!globals.quiet && isatty(STDERR_FILENO) != 0);
   Host host(globals);
+  printer.setExporter(host.make<moxDataMatrixExporter>("moxDataMatrixExporter"));
   auto matrix = load(host, request, progress);
   matrix = sorted(host, matrix, request.order, progress);
   progress.report(Progress::Stage::kWriting, 0);
   if (printer.toTerminal()) {
     progress.stop();
   }
-  printer.print(*matrix, options.limit,
+  printer.print(matrix, options.limit,
                 [&](std::int64_t rows) { progress.report(Progress::Stage::kWriting, rows); });
   progress.stop();
   printer.tell();

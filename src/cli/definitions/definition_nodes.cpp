@@ -41,11 +41,25 @@ std::string filterLabel(FilterView const& filter) {
   return label + (filter.control.empty() ? "" : ", " + filter.control);
 }
 
+std::string dependencyLabel(DependencyView const& dependency) {
+  if (dependency.missing) {
+    return dependency.name + ": there is no such source";
+  }
+  return fmt::format("{} ({}){}", dependency.name, dependency.className,
+                     dependency.ring       ? ", see above: a ring"
+                     : dependency.repeated ? ", see above"
+                                           : "");
+}
+
+/// What is read stands below "reads" where there is more to tell of the one that reads it.
 TreeNode dependencyNode(DependencyView const& dependency) {
-  TreeNode node{fmt::format("{} ({}){}", dependency.name, dependency.className,
-                            dependency.ring       ? ", see above: a ring"
-                            : dependency.repeated ? ", see above"
-                                                  : "")};
+  TreeNode node{dependencyLabel(dependency)};
+  if (dependency.computing) {
+    addComputing(node.children, *dependency.computing);
+    addList(node.children, "columns", dependency.columns, columnNode);
+    addList(node.children, "reads", dependency.dependencies, dependencyNode);
+    return node;
+  }
   for (auto const& next : dependency.dependencies) {
     node.children.push_back(dependencyNode(next));
   }
@@ -97,6 +111,9 @@ void addDefinition(std::vector<TreeNode>& nodes, DefinitionView const& view,
   }
   if (view.search) {
     addSearch(nodes, *view.search);
+  }
+  if (view.computing) {
+    addComputing(nodes, *view.computing);
   }
   addChanges(nodes, view, wires);
   // The columns of a filter source in a group, and what it reads, are those of the member that it

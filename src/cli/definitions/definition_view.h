@@ -42,13 +42,83 @@ struct RelationView {
   std::string sourceColumn;
 };
 
+/// A column of an input that takes part in a union or a join.
+struct InputColumnView {
+  std::string name;
+  std::string alias;  // in the result of a join; empty for the name
+  std::string type;
+};
+
+/// Rows of a join meet where this input's `column` equals `resultColumn` of the rows so far.
+struct MeetingView {
+  std::string column;
+  std::string resultColumn;
+};
+
+/// A source whose rows are computed with.
+struct InputView {
+  std::string source;
+  std::vector<InputColumnView> columns;  // of unions and joins
+  std::vector<MeetingView> meetings;     // of joins
+};
+
+/// `target` is what the function makes of `source`.
+struct FunctionView {
+  std::string kind;  // the registered class
+  std::string source;
+  std::string target;
+};
+
+struct ExpressionView {
+  std::string column;
+  std::string expression;
+  std::string type;
+  int decimals = -1;   // negative for as many as there are
+  bool isCut = false;  // decimals beyond those are cut off and not rounded
+};
+
+struct SortColumnView {
+  std::string column;
+  std::string description;
+  std::string direction;   // ascending, descending, or empty for none of its own
+  bool isDefault = false;  // where the user chooses: without his answer
+};
+
+/// A column that spreads across a cross table, or one that fills its cells.
+struct PivotColumnView {
+  std::string column;
+  std::string means;  // the formatter of the labels, or the function
+};
+
+/// How a source computes its rows from those of others. What its kind does not have is empty.
+struct ComputingView {
+  std::string operation;  // aggregation, sorter, object, union, expression, pivot or join
+  std::vector<InputView> inputs;
+  bool temporaryTable = false;
+  std::vector<std::string> keys;  // of an aggregation
+  std::vector<FunctionView> functions;
+  bool countsRows = false;
+  std::vector<SortColumnView> order;  // of a sorter
+  bool userSorts = false;             // who may choose among them
+  std::string heading;                // of that choice
+  std::vector<ExpressionView> expressions;
+  bool zeroIsNull = false;
+  std::vector<std::string> rows;  // of a cross table
+  std::vector<PivotColumnView> across;
+  std::vector<PivotColumnView> cells;
+  std::string statement;  // that is run for what it changes
+};
+
 /// A source that is read, and what it reads in turn.
 struct DependencyView {
   std::string name;
-  std::string className;
+  std::string className;  // empty for one that is not there
   bool repeated = false;  // told further up, with what it reads
   bool ring = false;      // repeated because it reads itself, by way of what stands above it
-  std::vector<DependencyView> dependencies;
+  bool missing = false;
+  std::optional<ComputingView> computing = std::nullopt;
+  std::vector<ColumnView> columns = {};  // of one that computes, as far as they are known
+  std::vector<DependencyView> dependencies = {};
 };
 
 struct DefinitionView;
@@ -155,6 +225,7 @@ struct DefinitionView {
   std::vector<RelationView> relations;
   std::vector<DependencyView> dependencies;
   std::optional<SearchView> search;
+  std::optional<ComputingView> computing;
   std::optional<FilterSourceView> filterSource;
   std::optional<std::vector<GovernedView>> governed;
   std::optional<GroupView> group;

@@ -1,9 +1,10 @@
 #include "cli/definitions/source_view.h"
 
 #include <algorithm>
-#include <array>
 #include <set>
 
+#include "cli/definitions/computing_view.h"
+#include "core/run/chain.h"
 #include "mox/core/error.h"
 #include "mox/zyn/datasources/filter_data_source.h"
 #include "mox/zyn/datasources/manage_filter_data_source.h"
@@ -16,12 +17,6 @@ namespace mox::cli {
 namespace {
 
 using Column = moxSQLDataSourceColumn;
-
-std::string typeWord(moxDataMatrixTypes::Types type) {
-  constexpr std::array kWords = {"int", "double", "text", "date", "blob"};
-  auto const index = static_cast<std::size_t>(type);
-  return index < kWords.size() ? kWords[index] : std::to_string(index);
-}
 
 std::string joined(std::string const& table, std::string const& column) {
   return table.empty() || column.empty() ? column : table + "." + column;
@@ -193,15 +188,26 @@ void addOrTellDefect(DefinitionView& view, Add const& add) {
   }
 }
 
-void addPlainColumns(DefinitionView& view, moxDataSource const& source) {
+std::vector<ColumnView> plainColumns(moxDataSource const& source) {
+  std::vector<ColumnView> columns;
   for (auto const& [name, type] : source.getColumns()) {
-    view.columns.push_back({.name = name,
-                            .type = typeWord(type),
-                            .heading = {},
-                            .origin = {},
-                            .expression = {},
-                            .formatter = {},
-                            .roles = {}});
+    columns.push_back({.name = name,
+                       .type = typeWord(type),
+                       .heading = {},
+                       .origin = {},
+                       .expression = {},
+                       .formatter = {},
+                       .roles = {}});
+  }
+  return columns;
+}
+
+/// What a broken source in the tree cannot tell is told where the definition itself is looked at.
+std::vector<ColumnView> knownColumns(moxDataSource const& source) {
+  try {
+    return plainColumns(source);
+  } catch (moxError const&) {
+    return {};
   }
 }
 
@@ -214,6 +220,10 @@ class TreeMaker {
     view.ring = std::ranges::find(above_, &source) != above_.end();
     if (!view.repeated && above_.size() < kDeepest) {
       above_.push_back(&source);
+      view.computing = computingView(source);
+      if (view.computing) {
+        view.columns = knownColumns(source);
+      }
       view.dependencies = below(source);
       above_.pop_back();
     }
@@ -222,8 +232,15 @@ class TreeMaker {
 
   std::vector<DependencyView> below(moxDataSource const& source) {
     std::vector<DependencyView> views;
+    std::set<std::string> found;
     for (auto const& read : source.getRelatedDataSources(false)) {
+      found.insert(read->getName());
       views.push_back(tree(*read));
+    }
+    for (auto const& name : core::inputNamesOf(source)) {
+      if (!found.contains(name)) {
+        views.push_back({.name = name, .className = {}, .missing = true});
+      }
     }
     return views;
   }
@@ -251,6 +268,8 @@ void addSource(DefinitionView& view, moxDataSource const& source, ViewTrail& tra
     view.governed = governedViews(*manager);
   } else if (auto const* const group = dynamic_cast<moxGroupDataSource const*>(&source)) {
     addGroup(view, *group, trail);
+  } else {
+    view.computing = computingView(source);
   }
   addColumns(view, source);
   view.dependencies = dependencyTree(source).dependencies;
@@ -260,7 +279,7 @@ void addColumns(DefinitionView& view, moxDataSource const& source) {
   if (auto const* const sql = dynamic_cast<moxSQLDataSource const*>(&source)) {
     addSqlColumns(view, *sql);
   } else {
-    addOrTellDefect(view, [&] { addPlainColumns(view, source); });
+    addOrTellDefect(view, [&] { view.columns = plainColumns(source); });
   }
   addOrTellDefect(view, [&] { addFilters(view, source); });
 }

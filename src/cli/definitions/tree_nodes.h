@@ -39,6 +39,9 @@ TreeNode columnNode(ColumnView const& column);
 void addChanges(std::vector<TreeNode>& nodes, DefinitionView const& view,
                 std::vector<WireView> const& wires);
 
+/// Adds how a source computes its rows; what it reads is not among it.
+void addComputing(std::vector<TreeNode>& nodes, ComputingView const& view);
+
 void addMembers(std::vector<TreeNode>& nodes, GroupView const& group);
 
 }  // namespace mox::cli

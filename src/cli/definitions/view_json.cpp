@@ -21,6 +21,13 @@ void write(JsonDocument& out, FilterView const& filter);
 void write(JsonDocument& out, OrderView const& order);
 void write(JsonDocument& out, RelationView const& relation);
 void write(JsonDocument& out, DependencyView const& dependency);
+void write(JsonDocument& out, InputColumnView const& column);
+void write(JsonDocument& out, MeetingView const& meeting);
+void write(JsonDocument& out, InputView const& input);
+void write(JsonDocument& out, FunctionView const& function);
+void write(JsonDocument& out, ExpressionView const& expression);
+void write(JsonDocument& out, SortColumnView const& column);
+void write(JsonDocument& out, PivotColumnView const& column);
 void write(JsonDocument& out, ConditionView const& condition);
 void write(JsonDocument& out, GovernedView const& governed);
 void write(JsonDocument& out, RelatedFilterView const& related);
@@ -101,12 +108,95 @@ void write(JsonDocument& out, RelationView const& relation) {
   out.close('}');
 }
 
+void write(JsonDocument& out, InputColumnView const& column) {
+  out.open('{');
+  out.member("name", column.name);
+  out.member("alias", column.alias);
+  out.member("type", column.type);
+  out.close('}');
+}
+
+void write(JsonDocument& out, MeetingView const& meeting) {
+  out.open('{');
+  out.member("column", meeting.column);
+  out.member("result_column", meeting.resultColumn);
+  out.close('}');
+}
+
+void write(JsonDocument& out, InputView const& input) {
+  out.open('{');
+  out.member("source", input.source);
+  writeList(out, "columns", input.columns);
+  writeList(out, "meetings", input.meetings);
+  out.close('}');
+}
+
+void write(JsonDocument& out, FunctionView const& function) {
+  out.open('{');
+  out.member("kind", function.kind);
+  out.member("source", function.source);
+  out.member("target", function.target);
+  out.close('}');
+}
+
+void write(JsonDocument& out, ExpressionView const& expression) {
+  out.open('{');
+  out.member("column", expression.column);
+  out.member("expression", expression.expression);
+  out.member("type", expression.type);
+  out.member("decimals", expression.decimals);
+  out.member("cut", expression.isCut);
+  out.close('}');
+}
+
+void write(JsonDocument& out, SortColumnView const& column) {
+  out.open('{');
+  out.member("column", column.column);
+  out.member("description", column.description);
+  out.member("direction", column.direction);
+  out.member("default", column.isDefault);
+  out.close('}');
+}
+
+void write(JsonDocument& out, PivotColumnView const& column) {
+  out.open('{');
+  out.member("column", column.column);
+  out.member("means", column.means);
+  out.close('}');
+}
+
+void writeComputing(JsonDocument& out, ComputingView const& view) {
+  out.key("computes");
+  out.open('{');
+  out.member("operation", view.operation);
+  writeList(out, "inputs", view.inputs);
+  out.member("temporary_table", view.temporaryTable);
+  writeList(out, "keys", view.keys);
+  writeList(out, "functions", view.functions);
+  out.member("counts_rows", view.countsRows);
+  writeList(out, "sort", view.order);
+  out.member("user_sorts", view.userSorts);
+  out.member("heading", view.heading);
+  writeList(out, "expressions", view.expressions);
+  out.member("zero_is_null", view.zeroIsNull);
+  writeList(out, "rows", view.rows);
+  writeList(out, "across", view.across);
+  writeList(out, "cells", view.cells);
+  out.member("statement", view.statement);
+  out.close('}');
+}
+
 void write(JsonDocument& out, DependencyView const& dependency) {
   out.open('{');
   out.member("name", dependency.name);
   out.member("class", dependency.className);
   out.member("repeated", dependency.repeated);
   out.member("ring", dependency.ring);
+  out.member("missing", dependency.missing);
+  if (dependency.computing) {
+    writeList(out, "columns", dependency.columns);
+    writeComputing(out, *dependency.computing);
+  }
   writeList(out, "reads", dependency.dependencies);
   out.close('}');
 }
@@ -219,6 +309,9 @@ void writeGroup(JsonDocument& out, GroupView const& group) {
 void writeParts(JsonDocument& out, DefinitionView const& view) {
   if (view.search) {
     writeSearch(out, *view.search);
+  }
+  if (view.computing) {
+    writeComputing(out, *view.computing);
   }
   if (view.filterSource) {
     writeFilterSource(out, *view.filterSource);

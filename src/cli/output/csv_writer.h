@@ -1,13 +1,10 @@
 #pragma once
 
+#include "cli/output/csv_fields.h"
 #include "cli/output/output_buffer.h"
 #include "cli/output/result_table.h"
 
 namespace mox::cli {
-
-struct CsvOptions {
-  bool forTerminal = false;  // control characters inside fields become visible pictures
-};
 
 /// Comma-separated text with a header line, lines ended by "\n", quotes only where the text needs
 /// them. A null is an empty field and an empty text is "", so that the two stay apart. Numbers as

@@ -11,6 +11,7 @@
 #include <fmt/ranges.h>
 
 #include "cli/output/column_visit.h"
+#include "cli/output/csv_export.h"
 #include "cli/output/csv_writer.h"
 #include "cli/output/display_text.h"
 #include "cli/output/formatted_column.h"
@@ -101,12 +102,19 @@ ResultPrinter::ResultPrinter(OutputOptions const& options, bool quiet)
   }
 }
 
-void ResultPrinter::print(moxDataMatrix const& matrix, unsigned int rowLimit,
+void ResultPrinter::print(std::shared_ptr<moxDataMatrix> const& matrix, unsigned int rowLimit,
                           std::function<void(std::int64_t)> onRows) {
-  print({isTable() || formatted_ ? formattedColumnsOf(matrix) : columnsOf(matrix),
-         std::min(rowLimit, matrix.rowCount()), std::move(onRows),
-         isTable() ? headingsOf(matrix, headings_) : std::vector<std::string>()},
-        matrix.rowCount());
+  if (exporter_ && format_ == "csv") {
+    print([&](OutputBuffer& out) {
+      exportCsv(*exporter_, matrix, out, formatted_,
+                {{.forTerminal = target_->isTerminal()}, rowLimit, std::move(onRows)});
+    });
+    return;
+  }
+  print({isTable() || formatted_ ? formattedColumnsOf(*matrix) : columnsOf(*matrix),
+         std::min(rowLimit, matrix->rowCount()), std::move(onRows),
+         isTable() ? headingsOf(*matrix, headings_) : std::vector<std::string>()},
+        matrix->rowCount());
 }
 
 void ResultPrinter::print(ResultTable const& table, unsigned int allRows) {

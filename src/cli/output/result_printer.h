@@ -11,6 +11,8 @@
 #include "cli/output/output_target.h"
 #include "cli/output/result_table.h"
 
+class moxDataMatrixExporter;
+
 namespace mox::cli {
 
 /// Writes one result in the form and to the place that the user asked for, and tells its size on
@@ -29,6 +31,11 @@ class ResultPrinter {
   /// What stands above a column in a table, by the column's name.
   void setHeadings(std::map<std::string, std::string> headings) { headings_ = std::move(headings); }
 
+  /// Has comma-separated text of a matrix written by an exporter, which is new.
+  void setExporter(std::shared_ptr<moxDataMatrixExporter> exporter) {
+    exporter_ = std::move(exporter);
+  }
+
   /// Whether the result goes to a terminal.
   bool toTerminal() const { return target_->isTerminal(); }
 
@@ -36,7 +43,7 @@ class ResultPrinter {
   bool isTable() const { return format_ == "table"; }
 
   /// Writes the first `rowLimit` rows. `onRows` is told how many are written. Called once.
-  void print(moxDataMatrix const& matrix, unsigned int rowLimit = kAllRows,
+  void print(std::shared_ptr<moxDataMatrix> const& matrix, unsigned int rowLimit = kAllRows,
              std::function<void(std::int64_t)> onRows = {});
 
   /// Writes a table that was made elsewhere, of a result of `allRows` rows. In place of the other.
@@ -63,6 +70,7 @@ class ResultPrinter {
   bool quiet_;
   bool formatted_ = false;
   std::map<std::string, std::string> headings_;
+  std::shared_ptr<moxDataMatrixExporter> exporter_;
   double writingSeconds_ = 0;
   std::string summary_;
 };

@@ -5,9 +5,11 @@
 #include <set>
 #include <stdexcept>
 
+#include "core/run/chain.h"
 #include "core/run/group_members.h"
 #include "core/run/wiring.h"
 #include "mox/core/error_with_details.h"
+#include "mox/core/progress_notifier.h"
 #include "mox/core/session.h"
 #include "mox/zyn/datasources/data_source.h"
 #include "mox/zyn/datasources/data_source_execution.h"
@@ -27,18 +29,21 @@ using Source = std::shared_ptr<moxDataSource const>;
   throw moxDefaultErrorImpl<moxError>(message);
 }
 
-/// A failure inside a run, with the definition among its details, and what is wrong in its wiring.
-moxErrorWithDetails runError(moxError const& cause, std::string const& name,
-                             moxDataSource const& definition) {
+/// With those of `details` that are not told yet.
+moxErrorWithDetails withDetails(moxError const& cause, std::vector<std::string> details) {
   auto const told = cause.errorDetails();
-  std::vector<std::string> details;
-  for (auto const& problem : readWiring(definition).problems) {
-    if (std::find(told.begin(), told.end(), problem) == told.end()) {
-      details.push_back(problem);
-    }
-  }
-  details.push_back("in the definition " + quotedForMessage(name));
+  std::erase_if(details, [&](std::string const& detail) {
+    return std::find(told.begin(), told.end(), detail) != told.end();
+  });
   return {cause, {}, details};
+}
+
+/// A failure ahead of the run, with the definition among its details, and what is wrong in it.
+moxErrorWithDetails preparingError(moxError const& cause, std::string const& name,
+                                   moxDataSource const& definition) {
+  auto details = readWiring(definition).problems;
+  details.push_back("in the definition " + quotedForMessage(name));
+  return withDetails(cause, details);
 }
 
 /// Each source once, those that others read ahead of these, the definition last.
@@ -111,6 +116,16 @@ class Offers {
   std::map<moxFilterSpecification const*, std::size_t> places_;
 };
 
+bool anyChangesData(std::vector<Source> const& sources) {
+  auto const all = withMembers(sources);
+  return std::any_of(all.begin(), all.end(),
+                     [](auto const& source) { return changesData(*source); });
+}
+
+std::vector<SortOffer> sortOffersFromTheTop(std::vector<Source> const& sources) {
+  return sortOffersOf({sources.rbegin(), sources.rend()});
+}
+
 /// The definition's own come first, so that they win where names are equal in all.
 std::vector<FilterOffer> offersOf(std::vector<Source> const& sources,
                                   std::vector<moxDataSourceToProcess> const& list) {
@@ -123,6 +138,32 @@ std::vector<FilterOffer> offersOf(std::vector<Source> const& sources,
 
 }  // namespace
 
+/// Counts the sources that have run, so that one that fails can be named; the caller's notifier is
+/// asked as it would be without.
+class DefinitionRun::Steps final : public moxDataSourceExecutionProgressNotifier {
+ public:
+  using Notifier = std::shared_ptr<moxDataSourceExecutionProgressNotifier>;
+
+  explicit Steps(Notifier notifier) : notifier_(std::move(notifier)) {}
+
+  std::string name() const override { return "DefinitionRunSteps"; }
+  void setTotal(int count) override {
+    if (notifier_) {
+      notifier_->setTotal(count);
+    }
+  }
+  bool step(int done) override {
+    done_ = static_cast<std::size_t>(done);
+    return !notifier_ || notifier_->step(done);
+  }
+
+  std::size_t done() const { return done_; }
+
+ private:
+  Notifier notifier_;
+  std::size_t done_ = 0;
+};
+
 DefinitionRun::DefinitionRun(VELMORApplication& application, moxSessionService& sessions,
                              std::string const& name)
     : DefinitionRun(application, sessions, name, findDefinition(application, name)) {}
@@ -134,16 +175,20 @@ DefinitionRun::DefinitionRun(VELMORApplication& application, moxSessionService& 
       name_(std::move(name)),
       search_(std::move(found.search)),
       context_(madeByRegistry<moxDataSourceExecutionContext>(application,
-                                                             "moxDataSourceExecutionContext")) {
+                                                             "moxDataSourceExecutionContext")),
+      reportContext_(std::make_shared<RunReportContext>(application)) {
+  context_->setReportContext(reportContext_);
   try {
     sources_ = inOrderOfRunning(found.source);
-    withMembers(sources_);  // a member that is not there is told before anything is asked for
+    // A member that is not there is told here, before anything is asked for.
+    changesData_ = anyChangesData(sources_);
     for (auto const& source : sources_) {
       list_.push_back(toProcess(source));
     }
     offers_ = offersOf(sources_, list_);
+    sortOffers_ = sortOffersFromTheTop(sources_);
   } catch (moxError const& error) {
-    throw runError(error, name_, *found.source);
+    throw preparingError(error, name_, *found.source);
   }
 }
 
@@ -180,6 +225,20 @@ void DefinitionRun::setFilterArguments(std::vector<FilterArgument> const& argume
   filtersSet_ = true;
 }
 
+void DefinitionRun::setOrder(std::vector<SortArgument> const& arguments) {
+  if (!order_.empty()) {
+    throw std::logic_error("the order of a run is set once");
+  }
+  if (!arguments.empty() && sortOffers_.empty()) {
+    throw SortArgumentError("the definition " + quotedForMessage(name_) +
+                            " has no order to choose: no sorter in it leaves it to its user");
+  }
+  order_ = readSortArguments(arguments, sortOffers_);
+  for (auto const& [source, data] : sortOptionData(order_, sortOffers_)) {
+    context_->setDataSourceOptions(source, data);
+  }
+}
+
 void DefinitionRun::keepReport(Report report) {
   auto* const reporter = dynamic_cast<moxRunReporter*>(context_.get());
   if (report == Report::kNone) {
@@ -190,6 +249,7 @@ void DefinitionRun::keepReport(Report report) {
   }
   if (report == Report::kComposeOnly) {
     reporter->composeOnly();
+    composesOnly_ = true;
   } else {
     reporter->keepRunReport();
   }
@@ -198,25 +258,64 @@ void DefinitionRun::keepReport(Report report) {
 
 std::shared_ptr<moxDataMatrix> DefinitionRun::run(
     std::shared_ptr<moxDataSourceExecutionProgressNotifier> notifier) {
-  runBy([&](auto const& context, std::vector<int> const& units) {
-    context->processDataSources(std::move(notifier), list_, units, 0);
-  });
+  auto const steps = std::make_shared<Steps>(std::move(notifier));
+  runBy([&](auto const& context,
+            std::vector<int> const& units) { context->processDataSources(steps, list_, units, 0); },
+        steps.get());
+  demandOrderedColumns();
   return context_->getDataMatrix(definition()->getName());
 }
 
+/// A sorter passes over columns that its rows do not have, which is no answer to who asked for one.
+void DefinitionRun::demandOrderedColumns() const {
+  for (auto const& answer : order_) {
+    auto const matrix = composesOnly_ ? nullptr : context_->getDataMatrix(answer.source);
+    if (matrix && !matrix->columnByName(answer.column)) {
+      fail("the source " + quotedForMessage(answer.source) + " offers to sort by " +
+           quotedForMessage(answer.column) + ", a column that its rows do not have");
+    }
+  }
+}
+
 void DefinitionRun::runBy(Way const& way) {
+  runBy(way, nullptr);
+}
+
+void DefinitionRun::runBy(Way const& way, Steps const* steps) {
+  demandConsent();
   if (!filtersSet_) {
     setFilterArguments({});
   }
   try {
     way(context_, units_);
   } catch (moxError const& error) {
-    throw runError(error, name_, *definition());
+    throw withDetails(error, detailsOfFailure(steps));
   } catch (std::out_of_range const& error) {
-    throw runError(moxDefaultErrorImpl<moxError>("the definition refers to more than there is",
-                                                 {error.what()}),
-                   name_, *definition());
+    moxDefaultErrorImpl<moxError> const told("the definition refers to more than there is",
+                                             {error.what()});
+    throw withDetails(told, detailsOfFailure(steps));
   }
+}
+
+void DefinitionRun::demandConsent() const {
+  if (changesData_ && !agreedToChanges_ && !composesOnly_) {
+    fail("the definition " + quotedForMessage(name_) + " changes data, which nobody agreed to");
+  }
+}
+
+/// Which source of the chain it was, what its definition lacks, and the definition that was run.
+std::vector<std::string> DefinitionRun::detailsOfFailure(Steps const* steps) const {
+  std::vector<std::string> details;
+  if (steps != nullptr && steps->done() < sources_.size() && sources_.size() > 1) {
+    auto const& source = *sources_[steps->done()];
+    details.push_back("in the source " + quotedForMessage(source.getName()) + ", a " +
+                      source.name());
+  }
+  for (auto const& problems : {chainProblems(sources_), readWiring(*definition()).problems}) {
+    details.insert(details.end(), problems.begin(), problems.end());
+  }
+  details.push_back("in the definition " + quotedForMessage(name_));
+  return details;
 }
 
 moxRunReport DefinitionRun::report() const {

@@ -7,6 +7,8 @@
 
 #include "core/run/definition_lookup.h"
 #include "core/run/filter_argument.h"
+#include "core/run/run_report_context.h"
+#include "core/run/sort_argument.h"
 #include "core/run/unit_confinement.h"
 #include "mox/zyn/datasources/data_source_execution_context.h"
 #include "mox/zyn/datasources/run_report.h"
@@ -54,6 +56,17 @@ class DefinitionRun {
   /// screen have theirs under "group->member".
   std::vector<FilterOffer> const& offers() const { return offers_; }
 
+  /// The orders that a user can choose: of the sorters of the chain, those nearest to the
+  /// definition first. Sorters inside of groups keep their own order.
+  std::vector<SortOffer> const& sortOffers() const { return sortOffers_; }
+
+  /// Whether the run is made for what it changes in the database, be it by a member of a group.
+  bool changesData() const { return changesData_; }
+
+  /// Lets a run that changes data go ahead. Without this call it is refused: a definition is mostly
+  /// run to be read, and its name does not tell.
+  void agreeToChanges() { agreedToChanges_ = true; }
+
   /// Whether the rows belong to business units.
   bool keepsToUnits() const;
 
@@ -73,11 +86,18 @@ class DefinitionRun {
   /// The filters as they went into the run: kept to units where need be.
   std::vector<FilterArgument> const& filters() const { return filters_; }
 
+  /// The order that the user wants. Throws SortArgumentError, also when the run has no order to
+  /// choose. Called once at most.
+  void setOrder(std::vector<SortArgument> const& arguments);
+
+  /// As it went into the run; empty when nobody asked for one.
+  std::vector<SortAnswer> const& order() const { return order_; }
+
   /// What the run shall tell of itself. Throws moxError when the module's context cannot.
   void keepReport(Report report);
 
-  /// The result; empty when the notifier asked to stop. Throws what the run throws; the details
-  /// name the definition.
+  /// The result; empty when the notifier asked to stop, and for a definition that gives no rows.
+  /// Throws what the run throws; the details name the definition and, in a chain, the source.
   std::shared_ptr<moxDataMatrix> run(
       std::shared_ptr<moxDataSourceExecutionProgressNotifier> notifier = {});
 
@@ -92,8 +112,17 @@ class DefinitionRun {
 
   moxDataSourceExecutionContext& context() { return *context_; }
 
+  /// What took the place of a report.
+  RunReportContext const& reportContext() const { return *reportContext_; }
+
  private:
+  class Steps;
+
   UnitScope scope() const;
+  void demandConsent() const;
+  void demandOrderedColumns() const;
+  void runBy(Way const& way, Steps const* steps);
+  std::vector<std::string> detailsOfFailure(Steps const* steps) const;
 
   VELMORApplication& application_;
   moxSessionService& sessions_;
@@ -102,11 +131,17 @@ class DefinitionRun {
   std::vector<std::shared_ptr<moxDataSource const>> sources_;
   std::vector<moxDataSourceToProcess> list_;
   std::shared_ptr<moxDataSourceExecutionContext> context_;
+  std::shared_ptr<RunReportContext> reportContext_;
   std::vector<FilterOffer> offers_;
+  std::vector<SortOffer> sortOffers_;
+  std::vector<SortAnswer> order_;
   std::vector<int> units_;
   std::vector<FilterArgument> filters_;
   bool filtersSet_ = false;
   bool reportKept_ = false;
+  bool composesOnly_ = false;
+  bool changesData_ = false;
+  bool agreedToChanges_ = false;
 };
 
 }  // namespace mox::core

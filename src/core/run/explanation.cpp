@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
+#include "core/run/chain.h"
 #include "core/run/group_members.h"
 #include "mox/zyn/datasources/sql_data_source.h"
 #include "mox/zyn/search/search.h"
@@ -55,6 +56,21 @@ SearchExplanation explainSearch(moxSearch const& search, moxDataSource const& so
   return explanation;
 }
 
+/// Of a sorter the order that its user asked for takes the place of the one that it has.
+std::string deedOf(moxDataSource const& source, std::vector<SortAnswer> order) {
+  std::erase_if(order, [&](SortAnswer const& answer) { return answer.source != source.getName(); });
+  return order.empty() ? whatItDoes(source) : "sorts by " + sortText(order) + ", as its user asks";
+}
+
+std::map<std::string, StepExplanation> stepsOf(DefinitionRun const& run) {
+  std::map<std::string, StepExplanation> steps;
+  for (auto const& source : run.sources()) {
+    steps[source->getName()] = {inputNamesOf(*source), deedOf(*source, run.order()),
+                                !changesData(*source)};
+  }
+  return steps;
+}
+
 }  // namespace
 
 Explanation explain(DefinitionRun const& run, DefinitionRun::Report kind, std::string error) {
@@ -65,7 +81,10 @@ Explanation explain(DefinitionRun const& run, DefinitionRun::Report kind, std::s
                           .definitionConditions = conditionsBySource(run),
                           .error = std::move(error),
                           .wiring = readWiring(*run.definition()),
-                          .search = {}};
+                          .search = {},
+                          .order = run.order(),
+                          .steps = stepsOf(run),
+                          .chainProblems = chainProblems(run.sources())};
   if (run.search()) {
     explanation.search = explainSearch(*run.search(), *run.definition());
   }

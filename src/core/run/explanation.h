@@ -20,6 +20,13 @@ struct SearchExplanation {
   std::string problem;  // why the sort column cannot be found; empty
 };
 
+/// What a source of a chain reads and does.
+struct StepExplanation {
+  std::vector<std::string> reads;  // in the order of its definition; none for a query
+  std::string does;                // in words that follow its name; empty for a query
+  bool givesRows = true;           // not those that are run for what they change
+};
+
 /// Why the result of a run is what it is: what was asked, what was sent, and where each part came
 /// from.
 struct Explanation {
@@ -32,6 +39,9 @@ struct Explanation {
   std::string error;                                        // why the run failed; empty
   Wiring wiring;                                            // of the definition's groups
   std::optional<SearchExplanation> search;                  // when the name is that of a search
+  std::vector<SortAnswer> order;                            // that the user asked for
+  std::map<std::string, StepExplanation> steps;             // by source, but for members of groups
+  std::vector<std::string> chainProblems;                   // as sentences
 };
 
 /// What a run tells of itself, after it ended or failed.

@@ -35,7 +35,9 @@ class ExplanationWriter {
             {"error", textOrNull(explanation_.error)},
             {"search", search()},
             {"filterSources", list(explanation_.wiring.changes, &ExplanationWriter::change)},
-            {"wiringProblems", explanation_.wiring.problems}};
+            {"wiringProblems", explanation_.wiring.problems},
+            {"sort", list(explanation_.order, &ExplanationWriter::sort)},
+            {"chainProblems", explanation_.chainProblems}};
   }
 
  private:
@@ -85,7 +87,21 @@ class ExplanationWriter {
             {"rows", source.rows},
             {"seconds", source.seconds},
             {"depth", source.depth},
-            {"wiring", source.wiring}};
+            {"wiring", source.wiring},
+            {"reads", stepOf(source).reads},
+            {"does", textOrNull(stepOf(source).does)}};
+  }
+
+  /// A member of a group is none: its group reads nothing from the chain.
+  StepExplanation stepOf(moxRunSource const& source) const {
+    auto const step = explanation_.steps.find(source.name);
+    bool const isStep = source.depth == 0 && step != explanation_.steps.end();
+    return isStep ? step->second : StepExplanation();
+  }
+
+  Json sort(SortAnswer const& answer) const {
+    return {
+        {"source", answer.source}, {"column", answer.column}, {"descending", answer.descending}};
   }
 
   Json statement(moxRunStatement const& statement) const {

@@ -74,7 +74,7 @@ void writeRows(LineFile& file, moxDataMatrixExporterRow& row) {
       if (i != 0) {
         file.separate();
       }
-      file.line() += row.column(i)->value();
+      row.column(i)->appendValue(file.line());
     }
     file.endLine();
   }

@@ -6,7 +6,8 @@ ExportColumn::ExportColumn(std::shared_ptr<moxDataMatrixColumn> const& column,
                            std::shared_ptr<moxGenericFormatter const> formatter, std::string header)
     : cursor_(column->begin()),
       header_(header.empty() ? column->getName() : std::move(header)),
-      text_(column, std::move(formatter)) {}
+      formatter_(std::move(formatter)),
+      text_(column, formatter_) {}
 
 std::shared_ptr<moxDataMatrixExporterColumn> ExportRow::column(unsigned int index) const {
   return index < columns_.size() ? columns_[index] : nullptr;

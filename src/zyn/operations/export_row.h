@@ -21,6 +21,8 @@ class ExportColumn final : public moxDataMatrixExporterColumn {
   std::string columnName() const override { return header_; }
   std::string value() const override { return text_.at(cursor_->pos()); }
   bool next() override { return cursor_->next(); }
+  void appendValue(std::string& text) const override { text_.appendTo(text, cursor_->pos()); }
+  std::shared_ptr<moxGenericFormatter const> getFormatter() const override { return formatter_; }
 
   /// What value() gives, in a row of the writer's choice.
   void appendValue(std::string& out, unsigned int row) const { text_.appendTo(out, row); }
@@ -29,6 +31,7 @@ class ExportColumn final : public moxDataMatrixExporterColumn {
  private:
   std::shared_ptr<moxIterator> cursor_;
   std::string header_;
+  std::shared_ptr<moxGenericFormatter const> formatter_;
   CellText text_;
 };
 

@@ -240,7 +240,8 @@ TEST(ViewJson, IsReadBackByAnotherReader) {
     "filters": [{"kind": "k", "column": "c", "description": "", "required": true, "control": ""}],
     "order": [{"column": "id", "descending": true}],
     "relations": [{"column": "a", "source": "S", "source_column": "b"}],
-    "reads": [{"name": "S", "class": "moxY", "repeated": false, "ring": false, "reads": []}]
+    "reads": [{"name": "S", "class": "moxY", "repeated": false, "ring": false, "missing": false,
+               "reads": []}]
   })"));
 }
 

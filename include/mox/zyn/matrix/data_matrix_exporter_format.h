@@ -6,6 +6,7 @@
 #include "mox/core/plugin_base.h"
 
 class moxDataMatrixExporter;
+class moxGenericFormatter;
 class moxIterator;
 class moxXMLNode;
 
@@ -22,6 +23,13 @@ class moxDataMatrixExporterColumn : public virtual moxPluginBase {
 
   /// Moves to the next row; false when there is none.
   virtual bool next() = 0;
+
+  /// Adds what value() gives to a text, which spares a string a cell.
+  virtual void appendValue(std::string& text) const { text += value(); }
+
+  /// The formatter that was set for the column, so that a format which knows it may read the cells
+  /// by itself; empty for that of the column's kind of values.
+  virtual std::shared_ptr<moxGenericFormatter const> getFormatter() const { return {}; }
 };
 
 /// The row that is being written, at first the first one of the matrix.
