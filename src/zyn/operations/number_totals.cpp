@@ -185,14 +185,11 @@ void NumberTotals::layOut() {
 }
 
 void NumberTotals::addGroups(std::uint32_t groupCount) {
-  if (groupCount * stride_ > records_.size()) {
+  if (groupCount * stride_ > records_.capacity()) {
     std::size_t const groups = std::max<std::size_t>(kFirstCapacity, std::bit_ceil(groupCount));
-    std::vector<char, LargeAllocator<char>> larger;
-    larger.reserve(groups * stride_);
-    larger.assign(records_.begin(), records_.end());
-    larger.resize(groups * stride_);
-    records_.swap(larger);
+    records_.reserve(groups * stride_);
   }
+  records_.resize(groupCount * stride_);
   for (; groupCount_ < groupCount; ++groupCount_) {
     std::copy(blank_.begin(), blank_.end(), records_.data() + groupCount_ * stride_);
   }
@@ -207,7 +204,7 @@ void NumberTotals::take(std::uint32_t from, std::uint32_t count, std::uint32_t c
     layOut();
   }
   addGroups(groupCount);
-  constexpr std::size_t kNear = std::size_t{1} << 18;  // bytes that a near cache holds
+  constexpr std::size_t kNear = std::size_t{1} << 15;  // bytes that the nearest cache holds
   if (groupCount * stride_ > kNear) {
     for (std::uint32_t i = 0; i < count; ++i) {
       __builtin_prefetch(records_.data() + groups[i] * stride_, 1);

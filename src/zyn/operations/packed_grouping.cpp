@@ -49,26 +49,46 @@ class DirectTable {
   std::vector<std::uint32_t, LargeAllocator<std::uint32_t>> groups_;
 };
 
+/// `Word` is as wide as the words are.
+template <class Word>
 class HashTable {
  public:
   void find(Words const& words, std::uint32_t from, std::uint32_t count, FirstRows& firstRow,
             Groups& groups) {
+    if (table_.capacity() <= kNear) {
+      for (std::uint32_t i = 0; i < count; ++i) {
+        auto const word = static_cast<Word>(words[i]);
+        groups[i] = groupOf(table_.hashOf(word), word, from + i, firstRow);
+      }
+    } else {
+      findFar(words, from, count, firstRow, groups);
+    }
+  }
+
+ private:
+  static constexpr std::size_t kNear = std::size_t{1} << 12;  // slots that the nearest cache holds
+
+  /// Asks memory for all places first, as each is anywhere.
+  void findFar(Words const& words, std::uint32_t from, std::uint32_t count, FirstRows& firstRow,
+               Groups& groups) {
     std::array<std::uint64_t, kBlock> hashes;
     for (std::uint32_t i = 0; i < count; ++i) {
-      hashes[i] = table_.hashOf(words[i]);
+      hashes[i] = table_.hashOf(static_cast<Word>(words[i]));
     }
     for (std::uint32_t i = 0; i < count; ++i) {
       table_.prefetchAt(hashes[i]);
     }
     for (std::uint32_t i = 0; i < count; ++i) {
-      groups[i] = table_.findOrAddAt(
-          hashes[i], words[i], [](std::uint32_t) { return true; },
-          [&] { return newGroup(firstRow, from + i); });
+      groups[i] = groupOf(hashes[i], static_cast<Word>(words[i]), from + i, firstRow);
     }
   }
 
- private:
-  WordTable table_;
+  std::uint32_t groupOf(std::uint64_t hash, Word word, std::uint32_t row, FirstRows& firstRow) {
+    return table_.findOrAddAt(
+        hash, word, [](std::uint32_t) { return true; }, [&] { return newGroup(firstRow, row); });
+  }
+
+  WordTableOf<Word> table_;
 };
 
 /// False when the keys differ in more bits than was guessed.
@@ -97,8 +117,13 @@ bool isDense(PackedKeys const& keys, std::uint32_t rows) {
 }
 
 bool groupBy(PackedKeys const& keys, std::uint32_t rows, GroupTaker& taker, FirstRows& firstRow) {
-  return isDense(keys, rows) ? groupBy(DirectTable(keys.bits()), keys, rows, taker, firstRow)
-                             : groupBy(HashTable(), keys, rows, taker, firstRow);
+  constexpr unsigned int kNarrowBits = 32;
+  if (isDense(keys, rows)) {
+    return groupBy(DirectTable(keys.bits()), keys, rows, taker, firstRow);
+  }
+  return keys.bits() <= kNarrowBits
+             ? groupBy(HashTable<std::uint32_t>(), keys, rows, taker, firstRow)
+             : groupBy(HashTable<std::uint64_t>(), keys, rows, taker, firstRow);
 }
 
 }  // namespace

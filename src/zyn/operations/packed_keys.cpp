@@ -44,23 +44,6 @@ bool isRun(std::uint64_t mask) {
   return (low & (low + 1)) == 0;
 }
 
-/// Brings the bits of the mask together at `shift` of the words.
-void mergeBits(std::uint64_t mask, unsigned int shift, std::uint64_t* raw, std::uint32_t count,
-               std::uint64_t* words) {
-  if (isRun(mask)) {
-    auto const low = static_cast<unsigned int>(std::countr_zero(mask));
-    std::uint64_t const bits = mask >> low;
-    for (std::uint32_t i = 0; i < count; ++i) {
-      words[i] |= ((raw[i] >> low) & bits) << shift;
-    }
-    return;
-  }
-  BitCompress(mask).apply(raw, count);
-  for (std::uint32_t i = 0; i < count; ++i) {
-    words[i] |= raw[i] << shift;
-  }
-}
-
 }  // namespace
 
 PackedKeys::PackedKeys(std::vector<MatrixColumn> const& keys, std::uint32_t rows) : rows_(rows) {
@@ -133,18 +116,36 @@ bool PackedKeys::words(std::uint32_t from, std::uint32_t count, std::uint64_t* w
     if (!fetch(lane, from, count, raw.data())) {
       return false;
     }
-    std::uint64_t varying = 0;
-    for (std::uint32_t i = 0; i < count; ++i) {
-      varying |= raw[i] ^ lane.base;
-    }
-    if ((varying & ~lane.varying) != 0) {
+    if (!mergeBits(lane, raw.data(), count, words)) {
       return false;
-    }
-    if (lane.varying != 0) {
-      mergeBits(lane.varying, lane.shift, raw.data(), count, words);
     }
   }
   return true;
+}
+
+/// Brings the lane's varying bits to their place in the words. False when others vary.
+bool PackedKeys::mergeBits(Lane const& lane, std::uint64_t* raw, std::uint32_t count,
+                           std::uint64_t* words) {
+  std::uint64_t varying = 0;
+  if (lane.varying == 0 || isRun(lane.varying)) {
+    auto const low =
+        lane.varying == 0 ? 0U : static_cast<unsigned int>(std::countr_zero(lane.varying));
+    std::uint64_t const bits = lane.varying >> low;
+    unsigned int const shift = lane.shift % kWordBits;
+    for (std::uint32_t i = 0; i < count; ++i) {
+      varying |= raw[i] ^ lane.base;
+      words[i] |= ((raw[i] >> low) & bits) << shift;
+    }
+    return (varying & ~lane.varying) == 0;
+  }
+  for (std::uint32_t i = 0; i < count; ++i) {
+    varying |= raw[i] ^ lane.base;
+  }
+  BitCompress(lane.varying).apply(raw, count);
+  for (std::uint32_t i = 0; i < count; ++i) {
+    words[i] |= raw[i] << lane.shift;
+  }
+  return (varying & ~lane.varying) == 0;
 }
 
 /// False for a text that does not stand in its reference. Under a null stands 0.

@@ -51,6 +51,8 @@ class PackedKeys {
   void addLanes(moxDataMatrixColumn const& key);
   void lookAt(std::uint32_t from, std::uint32_t count);
   void assignShifts();
+  static bool mergeBits(Lane const& lane, std::uint64_t* raw, std::uint32_t count,
+                        std::uint64_t* words);
   static bool fetch(Lane const& lane, std::uint32_t from, std::uint32_t count, std::uint64_t* raw);
 
   std::uint32_t rows_;
