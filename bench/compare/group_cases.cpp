@@ -33,8 +33,8 @@ std::vector<std::string> keyNamesOf(GroupKey key) {
 }
 
 /// What a key adds to the sums: the number that it is, or ends in.
-std::int64_t keyNumber(GroupTable const& table, std::size_t row) {
-  switch (table.key) {
+std::int64_t keyNumber(GroupKey key, GroupedTable const& table, std::size_t row) {
+  switch (key) {
     case GroupKey::kNumber:
       return table.number[row];
     case GroupKey::kText:
@@ -183,10 +183,9 @@ class GroupCase {
 
   CheckSums floorSums() const {
     GroupSums sums;
-    for (std::size_t i = 0; i < groups_->size(); ++i) {
-      GroupOfRows const& group = (*groups_)[i];
-      sums.add(keyNumber(table_, group.firstRow), group.rows, group.amounts == 0, group.sum,
-               group.low);
+    for (std::size_t i = 0; i < groups_->rows.size(); ++i) {
+      sums.add(keyNumber(table_.key, *groups_, i), groups_->rows[i], groups_->isNull.test(i),
+               groups_->sum[i], groups_->low[i]);
     }
     return sums.sums();
   }
@@ -338,7 +337,7 @@ class GroupCase {
   std::shared_ptr<moxDataMatrix> matrix_;
   std::vector<std::string> absent_;
   CheckSums expected_;
-  std::optional<GrowingArray<GroupOfRows>> groups_;
+  std::optional<GroupedTable> groups_;
   std::shared_ptr<moxDataMatrix> result_;
   std::unique_ptr<DuckdbPeer> duckdb_;
 };

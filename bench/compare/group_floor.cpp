@@ -67,6 +67,21 @@ TextWords textAt(GroupTable const& table, std::size_t row) {
   return words;
 }
 
+void pushKey(std::uint32_t key, GroupedTable& groups) {
+  groups.number.push(static_cast<std::int32_t>(key));
+}
+void pushKey(std::uint64_t key, GroupedTable& groups) {
+  groups.number.push(static_cast<std::int32_t>(key >> 32U));
+  groups.second.push(static_cast<std::int32_t>(key));
+}
+void pushKey(TextWords const& key, GroupedTable& groups) {
+  FloorText text;
+  text.length = static_cast<std::uint32_t>(key.head);
+  std::memcpy(text.content, reinterpret_cast<char const*>(&key) + sizeof text.length,
+              sizeof text.content);
+  groups.text.push(text);
+}
+
 /// An open table with the groups in its places, for as many as the nearer caches hold.
 template <class Key>
 class Groups {
@@ -82,36 +97,41 @@ class Groups {
   bool isFull() const { return used_ * 2 > places_.size(); }
 
   /// `hash` is used from its highest bit down.
-  void take(Key const& key, std::uint64_t hash, std::uint32_t row, bool isNull, double amount) {
+  void take(Key const& key, std::uint64_t hash, bool isNull, double amount) {
     std::size_t at = hash >> shift_;
-    while (places_[at].group.rows != 0 && !(places_[at].key == key)) {
+    while (places_[at].rows != 0 && !(places_[at].key == key)) {
       at = (at + 1) & (places_.size() - 1);
     }
     Place& place = places_[at];
-    if (place.group.rows == 0) {
+    if (place.rows == 0) {
       ++used_;
-      place = {key, {row, 0, 0, kInfinity, 0}};
+      place = {key, 0, 0, kInfinity};
     }
-    ++place.group.rows;
+    ++place.rows;
     if (!isNull) {
-      place.group.sum += amount;
-      place.group.low = amount < place.group.low ? amount : place.group.low;
-      ++place.group.amounts;
+      place.sum += amount;
+      place.low = amount < place.low ? amount : place.low;
     }
   }
 
-  void moveTo(GrowingArray<GroupOfRows>& groups) const {
+  void moveTo(GroupedTable& groups) const {
     for (Place const& place : places_) {
-      if (place.group.rows != 0) {
-        groups.push(place.group);
+      if (place.rows != 0) {
+        pushKey(place.key, groups);
+        groups.sum.push(place.sum);
+        groups.low.push(place.low);
+        groups.rows.push(place.rows);
+        groups.isNull.push(place.low == kInfinity);
       }
     }
   }
 
  private:
   struct Place {
-    Key key;
-    GroupOfRows group;
+    Key key{};
+    std::uint32_t rows = 0;
+    double sum = 0;
+    double low = kInfinity;  // no amount is
   };
 
   std::vector<Place> places_;
@@ -123,7 +143,7 @@ constexpr std::size_t kNearPlaces = std::size_t{1} << 15;
 
 /// Row by row. False when the groups leave the caches, which the first rows tell.
 template <class Key, class KeyAt>
-bool groupNear(GroupTable const& table, KeyAt const& keyAt, GrowingArray<GroupOfRows>& groups) {
+bool groupNear(GroupTable const& table, KeyAt const& keyAt, GroupedTable& groups) {
   constexpr std::size_t kRowsOfWord = 64;
   Groups<Key> near(256);
   std::size_t places = 256;
@@ -139,8 +159,7 @@ bool groupNear(GroupTable const& table, KeyAt const& keyAt, GrowingArray<GroupOf
     std::size_t const end = std::min(from + kRowsOfWord, table.rows);
     for (std::size_t row = from; row < end; ++row, nulls >>= 1U) {
       Key const key = keyAt(table, row);
-      near.take(key, hashed(key), static_cast<std::uint32_t>(row), (nulls & 1U) != 0,
-                table.amount.cells[row]);
+      near.take(key, hashed(key), (nulls & 1U) != 0, table.amount.cells[row]);
     }
   }
   near.moveTo(groups);
@@ -148,16 +167,15 @@ bool groupNear(GroupTable const& table, KeyAt const& keyAt, GrowingArray<GroupOf
 }
 
 template <class Key>
-struct Moved {
+struct __attribute__((packed)) Moved {
   Key key;
-  std::uint32_t rowAndNull;  // the row's number, twice, and whether its amount is null
-  double amount;
+  double amount;  // kInfinity for a null
 };
 
 /// Rows are first brought together by the upper bits of their hashes, and then grouped part by
 /// part, so that the groups of a part stay in the cache.
 template <class Key, class KeyAt>
-void groupByParts(GroupTable const& table, KeyAt const& keyAt, GrowingArray<GroupOfRows>& groups) {
+void groupByParts(GroupTable const& table, KeyAt const& keyAt, GroupedTable& groups) {
   constexpr unsigned kPartBits = 8;
   constexpr std::size_t kParts = std::size_t{1} << kPartBits;
   std::array<std::uint32_t, kParts + 1> starts{};
@@ -172,31 +190,29 @@ void groupByParts(GroupTable const& table, KeyAt const& keyAt, GrowingArray<Grou
   auto places = starts;
   for (std::size_t row = 0; row < table.rows; ++row) {
     Key const key = keyAt(table, row);
-    auto const isNull = static_cast<std::uint32_t>(table.amount.isNull(row));
-    moved[places[partOf(key)]++] = {key, static_cast<std::uint32_t>(row) * 2 + isNull,
-                                    table.amount.cells[row]};
+    moved[places[partOf(key)]++] = {key,
+                                    table.amount.isNull(row) ? kInfinity : table.amount.cells[row]};
   }
   Groups<Key> part(2);
   for (std::size_t i = 0; i < kParts; ++i) {
     std::size_t const count = starts[i + 1] - starts[i];
-    std::size_t places = std::bit_ceil(std::max<std::size_t>(count / 4, 16));
-    part.clear(places);
+    std::size_t size = std::bit_ceil(std::max<std::size_t>(count / 4, 16));
+    part.clear(size);
     for (std::uint32_t at = starts[i]; at < starts[i + 1]; ++at) {
       if (part.isFull()) {
-        part.clear(places *= 4);
+        part.clear(size *= 4);
         at = starts[i];
       }
-      Moved<Key> const& row = moved[at];
-      part.take(row.key, hashed(row.key) << kPartBits, row.rowAndNull >> 1U,
-                (row.rowAndNull & 1U) != 0, row.amount);
+      Moved<Key> const row = moved[at];
+      part.take(row.key, hashed(row.key) << kPartBits, row.amount == kInfinity, row.amount);
     }
     part.moveTo(groups);
   }
 }
 
 template <class Key, class KeyAt>
-GrowingArray<GroupOfRows> grouped(GroupTable const& table, KeyAt const& keyAt) {
-  GrowingArray<GroupOfRows> groups(table.rows);
+GroupedTable grouped(GroupTable const& table, KeyAt const& keyAt) {
+  GroupedTable groups(table.rows);
   if (!groupNear<Key>(table, keyAt, groups)) {
     groupByParts<Key>(table, keyAt, groups);
   }
@@ -228,7 +244,7 @@ GroupTable::GroupTable(GroupKey keyKind, std::size_t rowCount, std::size_t group
   }
 }
 
-GrowingArray<GroupOfRows> groupByHand(GroupTable const& table) {
+GroupedTable groupByHand(GroupTable const& table) {
   switch (table.key) {
     case GroupKey::kNumber:
       return grouped<std::uint32_t>(table, numberAt);
@@ -237,7 +253,7 @@ GrowingArray<GroupOfRows> groupByHand(GroupTable const& table) {
     case GroupKey::kTwoNumbers:
       return grouped<std::uint64_t>(table, pairAt);
   }
-  return GrowingArray<GroupOfRows>(0);
+  return GroupedTable(0);
 }
 
 }  // namespace bench

@@ -24,16 +24,26 @@ struct GroupTable {
   FloorNumbers amount;
 };
 
-/// What a group has come to. Its key is that of its first row.
-struct GroupOfRows {
-  std::uint32_t firstRow;
-  std::uint32_t rows;
-  double sum;  // of the amounts
-  double low;  // the lowest amount; of no meaning without one
-  std::uint32_t amounts;
+/// A row for each group, in no certain order.
+struct GroupedTable {
+  explicit GroupedTable(std::size_t capacity)
+      : number(capacity),
+        second(capacity),
+        text(capacity),
+        sum(capacity),
+        low(capacity),
+        rows(capacity),
+        isNull(capacity) {}
+
+  GrowingArray<std::int32_t> number;
+  GrowingArray<std::int32_t> second;
+  GrowingArray<FloorText> text;
+  GrowingArray<double> sum;  // of the amounts
+  GrowingArray<double> low;  // the lowest amount
+  GrowingArray<std::uint32_t> rows;
+  FloorNulls isNull;  // both, where no row has an amount
 };
 
-/// The groups, in no certain order.
-GrowingArray<GroupOfRows> groupByHand(GroupTable const& table);
+GroupedTable groupByHand(GroupTable const& table);
 
 }  // namespace bench
