@@ -121,7 +121,7 @@ shift "$count"
 mkdir -p "$work"
 python=$(find_python)
 [ -z "$python" ] || set -- "$@" --python "$python" --pandas-peer "$peers/pandas_peer.py" \
-  --pandas-group-peer "$peers/pandas_group.py"
+  --pandas-group-peer "$peers/pandas_group.py" --pandas-join-peer "$peers/pandas_join.py"
 if [ -n "$python" ] && "$python" -c 'import numexpr' >/dev/null 2>&1; then
   set -- "$@" --numexpr-peer "$peers/numexpr_peer.py"
 else
@@ -132,7 +132,8 @@ duckdb=$npm/node_modules/@duckdb/node-bindings-linux-x64/libduckdb.so
 [ ! -f "$duckdb" ] || set -- "$@" --duckdb "$duckdb"
 if [ -d "$npm/node_modules/nodejs-polars" ] && command -v node >/dev/null 2>&1; then
   set -- "$@" --node node --polars-peer "$peers/polars_peer.js" --npm "$npm" \
-    --polars-expression-peer "$peers/polars_expression.js" --polars-group-peer "$peers/polars_group.js"
+    --polars-expression-peer "$peers/polars_expression.js" --polars-group-peer "$peers/polars_group.js" \
+    --polars-join-peer "$peers/polars_join.js"
 fi
 mariadb_socket=
 if wants_mariadb; then

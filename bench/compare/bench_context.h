@@ -11,6 +11,7 @@ struct BenchContext {
   std::size_t sortRows = 10'000'000;
   std::size_t columnRows = 10'000'000;
   std::size_t indexRows = 1'000'000;
+  std::size_t joinRows = 10'000'000;
   int rounds = 5;
   std::string workDirectory;  // for databases and files; exists
   std::string mariadbSocket;
@@ -18,11 +19,13 @@ struct BenchContext {
   std::string python;  // an interpreter
   std::string pandasScript;
   std::string pandasGroupScript;
+  std::string pandasJoinScript;
   std::string numexprScript;
   std::string node;
   std::string polarsScript;
   std::string polarsExpressionScript;
   std::string polarsGroupScript;
+  std::string polarsJoinScript;
   std::string npmDirectory;  // where polars is installed
 };
 

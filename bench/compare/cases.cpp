@@ -15,6 +15,7 @@ std::vector<Case> const& allCases() {
       {"group-text", "the same by a text of ten bytes", &groupByTextCase},
       {"group-two", "the same by two integers", &groupByTwoNumbersCase},
       {"expression", "a column computed from three of doubles", &expressionCase},
+      {"join", "sales with a table of their customers", &joinCase},
   };
   return cases;
 }

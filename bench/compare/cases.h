@@ -31,5 +31,6 @@ std::vector<CaseResult> groupByNumberCase(BenchContext const& context);
 std::vector<CaseResult> groupByTextCase(BenchContext const& context);
 std::vector<CaseResult> groupByTwoNumbersCase(BenchContext const& context);
 std::vector<CaseResult> expressionCase(BenchContext const& context);
+std::vector<CaseResult> joinCase(BenchContext const& context);
 
 }  // namespace bench

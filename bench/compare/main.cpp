@@ -63,6 +63,8 @@ void declareOptions(CLI::App& app, Options& options) {
                  "the script that has Polars compute expressions");
   app.add_option("--polars-group-peer", context.polarsGroupScript,
                  "the script that has Polars group");
+  app.add_option("--pandas-join-peer", context.pandasJoinScript, "the script that has pandas join");
+  app.add_option("--polars-join-peer", context.polarsJoinScript, "the script that has Polars join");
   app.add_option("--npm", context.npmDirectory, "where Polars is installed");
 }
 
@@ -90,6 +92,7 @@ int run(Options& options) {
   auto& context = options.context;
   if (options.rows != 0) {
     context.loadRows = context.sortRows = context.columnRows = context.indexRows = options.rows;
+    context.joinRows = options.rows;
   }
   if (options.processorTime) {
     bench::measureProcessorTime();

@@ -1,480 +1,423 @@
-"""Chains of sources: runs, orders, explanations, drawings, refusals, units."""
+"""The example's chains of sources: every one runs, gives the same rows on both databases and none of a foreign unit, and
+some give cell by cell what a statement by hand gives."""
 
-import concurrent.futures
 import csv
 import io
+import itertools
 import json
-import subprocess
 
-import jsonschema
 import pytest
-from collection_files import use_collections
-from conftest import ROOT
-
-SCHEMA = json.loads((ROOT / "docs/reference/explain.schema.json").read_text(encoding="utf-8"))
-
-TABLES = """
-create table notas (id int primary key, aluno varchar(40), turma varchar(10), bimestre int, nota double,
-                    sinal varchar(20), id_unidade int);
-create table turmas (turma varchar(10), sala varchar(40))
-"""
-
-# Every row bears its unit's mark, so that a row of another unit is seen wherever it ends up.
-NOTAS = [
-    (1, "Ana", "A", 1, 8, 3),
-    (2, "Ana", "A", 2, 6, 3),
-    (3, "Bia, a outra", "A", 1, 4, 3),
-    (4, "Caio", "B", 1, 10, 3),
-    (5, "Davi", "C", 1, 2, 4),
-    (6, "Eva", "A", 1, 0, 4),
-    (7, "Ian", "B", 2, 1, 5),
-]
-
-
-def mark(unit):
-    return f"[U{unit}]"
-
-
-def column(name, kind, table="n"):
-    return (
-        f'<Column tableName="{table}" columnName="{name}" columnNameOrigin="{name}" Visible="1" Type="{kind}">'
-        f'<sql alias="{name}" index="0">{table}.{name}</sql></Column>'
-    )
-
-
-COLUMNS = column("id", 2) + column("aluno", 1) + column("turma", 1) + column("bimestre", 2) + column("nota", 4)
-UNIT = '<unidadeColumn tableName="n" columnName="id_unidade" allownull="0"/>'
-
-
-def grades(name, condition=""):
-    return f"""<moxSQLDataSource name="{name}">
-  <Command type="1"><from>notas n</from>{condition}</Command>{UNIT}
-  <Columns>{COLUMNS}{column("sinal", 1)}{column("id_unidade", 2)}</Columns>
-  <Order><By tableName="n" columnName="id"/></Order>
-  <Filters><column>
-    <moxTextUniqueFilter tableName="n" columnName="turma" description="Turma"/>
-    <moxIntegralInFilter tableName="n" columnName="id_unidade" description="Unidade"/>
-    <moxIntegralRangeFilter tableName="n" columnName="id_unidade" description="Unidades"/>
-  </column></Filters>
-</moxSQLDataSource>"""
-
-
-def aggregation(name, source, keys, functions, more=""):
-    indexes = "".join(f'<Index name="{key}"/>' for key in keys)
-    texts = "".join(f'<{kind} source="{given}" target="{target}"/>' for kind, given, target in functions)
-    return (
-        f'<moxAggregationDataSource name="{name}" dataSource="{source}" {more}><moxDataMatrixAggregator>'
-        f"<Indexes>{indexes}</Indexes><Functions>{texts}</Functions></moxDataMatrixAggregator></moxAggregationDataSource>"
-    )
-
-
-def pivot(name, source, rows, cell, formatter="Bimestre"):
-    texts = "".join(f'<row source="{row}"/>' for row in rows)
-    return (
-        f'<moxDataSourcePivoting name="{name}" source="{source}">'
-        f'<columns><column source="bimestre" formatter="{formatter}"/></columns><rows>{texts}</rows>'
-        f'<cells><cell source="{cell[0]}" aggregation="{cell[1]}"/></cells></moxDataSourcePivoting>'
-    )
-
-
-def union(name, *sources):
-    texts = "".join(
-        f'<source name="{source}"><moxDataMatrixTextColumn name="aluno"/><moxDataMatrixTextColumn name="sinal"/></source>'
-        for source in sources
-    )
-    return f'<moxUnionDataSource name="{name}" generateTempTable="0"><sources>{texts}</sources></moxUnionDataSource>'
-
-
-def sorter(name, source, columns, more):
-    return f'<moxSorterDataSource name="{name}" source="{source}" replace="no" {more}>{columns}</moxSorterDataSource>'
-
-
-MEANS = aggregation("Médias", "Notas", ["turma"], [("moxDoubleAvg", "nota", "media")], 'countColumn="1"')
-DOUBLES = """<moxExpressionDataSource name="Dobros" source="Médias" convertZeroToNull="0"><expressions>
-  <moxColumnExpression name="dobro" type="1" decimalPrecision="1" decimalOperation="0">media(0)*2</moxColumnExpression>
-</expressions></moxExpressionDataSource>"""
-JOINED = """<moxJoinDataSource name="Com sala"><sources>
-  <source name="Dobros"><columns>
-    <moxDataMatrixTextColumn columnName="turma" acolumnAlias="turma"/>
-    <moxDataMatrixDoubleColumn columnName="media" acolumnAlias="media"/>
-    <moxDataMatrixDoubleColumn columnName="dobro" acolumnAlias="dobro"/></columns><joins/></source>
-  <source name="Turmas"><columns><moxDataMatrixTextColumn columnName="sala" acolumnAlias="onde"/></columns>
-    <joins><join columnNameOrigin="turma" sourceNameRelac="Dobros" columnNameRelac="turma" columnNameJoin="turma"/></joins>
-  </source>
-</sources></moxJoinDataSource>"""
-CHOOSABLE = '<column name="turma" desc="Turma"/><column name="media" desc="Média" dir="desc"/>'
-ROOMS = f"""<moxSQLDataSource name="Turmas"><Command type="1"><from>turmas t</from></Command>
-  <Columns>{column("turma", 1, "t")}{column("sala", 1, "t")}</Columns></moxSQLDataSource>"""
-CHANGE = """<moxObjectDataSource name="Corrigir nota">
-  <Sql>update notas set nota = {{nota}} where id = {{id}} and id &lt; 100</Sql>
-  <Binds><moxDoubleUniqueFilter columnName="nota" description="Nota"/>
-    <moxIntegralUniqueFilter columnName="id" description="Id"/></Binds></moxObjectDataSource>"""
+from example_school import UNITS_OF, definition_elements, mariadb_escola, sqlite_escola  # noqa: F401
+from test_terminal import STYLE, shown
+from test_unit_restriction import DEFAULT_UNIT, WITHOUT_UNITS, output, seen_units
 
-CHAINS = f"""<moxZYNCollection parentLibraryName="escola">
-<moxFormatterZYNItem><moxIntegralFormatter description="Bimestre" suffix="º bim."/></moxFormatterZYNItem>
-{grades("Notas")}{grades("Segundas", "<where>n.bimestre = 2</where>")}{ROOMS}{MEANS}{DOUBLES}{JOINED}{CHANGE}
-{sorter("Boletim", "Com sala", CHOOSABLE, 'userDefined="yes" description="Ordem"')}
-{sorter("Por turma", "Médias", '<column name="turma"/>', 'userDefined="no"')}
-{sorter("Duas vezes", "Boletim", '<column name="onde" dir="asc"/>', 'userDefined="yes" description="Fim"')}
-{pivot("Cruzada", "Notas", ["aluno"], ("nota", "moxDoubleSum"))}
-{pivot("Cruzada simples", "Notas", ["aluno"], ("nota", "moxDoubleSum"), "moxTextFormatter")}
-{pivot("Cruzada sem", "Notas", ["aluno"], ("nota", "moxDoubleSum"), "Nenhum")}
-{union("União", "Notas", "Segundas")}
-{sorter("Anel", "Elo", '<column name="a"/>', 'userDefined="no"')}
-{sorter("Elo", "Anel", '<column name="a"/>', 'userDefined="no"')}
-{aggregation("Órfã", "Nenhuma", ["turma"], [])}
-{sorter("Ordem da órfã", "Órfã", '<column name="turma"/>', 'userDefined="no"')}
-{pivot("Coluna errada", "Notas", ["nada"], ("nota", "moxDoubleSum"))}
-{sorter("Oferta vazia", "Médias", '<column name="nada" dir="asc"/>', 'userDefined="yes" description="Ordem"')}
-{sorter("De nada", "Corrigir nota", '<column name="a"/>', 'userDefined="no"')}
-</moxZYNCollection>"""
-
-
-@pytest.fixture
-def chains(school):
-    school.rows("sql", TABLES)
-    for key, student, group, term, grade, unit in NOTAS:
-        school.rows("sql", f"insert into notas values ({key}, '{student}', '{group}', {term}, {grade}, '{mark(unit)}', {unit})")
-    school.rows("sql", "insert into turmas values ('A', 'Sala \"1\"'), ('B', 'Sala 2'), ('C', 'Sala 3')")
-    use_collections(school, more=USERS, a=CHAINS)
-    return school
-
-
-USERS = """
-[users.maria]
-id = 7
-default_unit = 3
-head_office = 1
-units = [3, 4]
-works_by_units = true
-"""
-
-
-def table(school, name, *arguments):
-    return list(csv.reader(io.StringIO(school.rows("--unit", "3", "run", name, *arguments), newline="")))
-
-
-def explained(school, name, *arguments):
-    document = json.loads(school.rows("--unit", "3", "explain", name, "--format", "json", *arguments))
-    jsonschema.validate(document, SCHEMA)
-    return document
-
-
-def shown(school, name):
-    return json.loads(school.rows("show", name, "--format", "json"))
-
-
-def test_chain_runs_with_all_that_it_reads(chains):
-    assert table(chains, "Boletim") == [
-        ["turma", "media", "dobro", "onde"],
-        ["B", "10", "20", "Sala 2"],
-        ["A", "6", "12", 'Sala "1"'],
-    ]
-
-
-def test_cross_table_takes_its_labels_from_a_formatter(chains):
-    rows = [["Ana", "8", "6"], ["Bia, a outra", "4", ""], ["Caio", "10", ""]]
-    assert table(chains, "Cruzada") == [["aluno", "1º bim.", "2º bim."], *rows]
-    assert table(chains, "Cruzada sem") == [["aluno", "1", "2"], *rows]
-
-
-def test_cross_table_runs_with_a_registered_formatter(chains):
-    assert len(table(chains, "Cruzada simples")) > 1
-
-
-def test_filters_reach_the_query_at_the_bottom(chains):
-    assert [row[0] for row in table(chains, "Boletim", "--filter", "turma=B")] == ["turma", "B"]
-    assert [row[0] for row in table(chains, "Boletim", "--filter", "Notas:Turma=A")] == ["turma", "A"]
-
-
-def test_sort_answers_the_sorter_of_the_chain(chains):
-    def first_cells(*arguments):
-        return [row[0] for row in table(chains, "Boletim", *arguments)[1:]]
-
-    assert first_cells() == ["B", "A"]
-    assert first_cells("--sort", "media") == ["A", "B"]
-    assert first_cells("--sort", "Média:desc") == ["B", "A"]
-    assert first_cells("--sort", "Boletim:turma:asc") == ["A", "B"]
-    assert first_cells("--sort", "turma,media:desc") == ["A", "B"]
-
-
-def test_sort_of_several_sorters_aims_at_the_nearest(chains):
-    assert [s["does"] for s in explained(chains, "Duas vezes", "--sort", "onde:desc")["sources"]][-1] == (
-        "sorts by onde, descending, as its user asks"
-    )
-    document = explained(chains, "Duas vezes", "--sort", "media")
-    assert document["sort"] == [{"source": "Boletim", "column": "media", "descending": False}]
-    refused = chains.refusal("--unit", "3", "run", "Duas vezes", "--sort", "x", status=2)
-    assert "on offer: Duas vezes:onde, Boletim:turma, Boletim:media" in refused
-
-
-def test_sort_that_nobody_offers_is_refused_with_what_is(chains):
-    assert chains.refusal("--unit", "3", "run", "Boletim", "--sort", "nota", status=2) == (
-        "--sort: there is no column 'nota' to sort by; on offer: turma, media (see zyn run --help)"
-    )
-    assert chains.refusal("--unit", "3", "explain", "Por turma", "--sort", "turma", status=2) == (
-        "--sort: the definition 'Por turma' has no order to choose: no sorter in it leaves it to its user "
-        "(see zyn explain --help)"
-    )
-    assert "--sort turma,: a column has no name" in chains.refusal("run", "Boletim", "--unit", "3", "--sort", "turma,", status=2)
-
-
-def test_explanation_tells_every_source_with_rows_and_time(chains):
-    document = explained(chains, "Boletim")
-    assert [(s["name"], s["rows"], s["reads"]) for s in document["sources"]] == [
-        ("Notas", 4, []), ("Médias", 2, ["Notas"]), ("Dobros", 2, ["Médias"]), ("Turmas", 3, []),
-        ("Com sala", 2, ["Dobros", "Turmas"]), ("Boletim", 2, ["Com sala"]),
-    ]  # fmt: skip
-    assert document["sort"] == [] and document["chainProblems"] == [] and document["wiringProblems"] == []
-    text = chains.rows("--unit", "3", "explain", "Boletim", "--sort", "turma")
-    assert "order        turma\n" in text
-    assert "\n2. Médias: 2 rows, " in text
-    assert " ms\n  reads Notas\n  groups by turma, computes media\n" in text
-    assert "\n  reads Dobros, Turmas\n  joins the rows\n" in text
-    assert text.endswith("\n  reads Com sala\n  sorts by turma, as its user asks\n")
-
-
-def test_dry_run_of_a_chain_sends_nothing(chains):
-    document = explained(chains, "Boletim", "--dry-run")
-    assert [s["executed"] for s in document["sources"]] == [False] * 6
-    assert [len(s["statements"]) for s in document["sources"]] == [1, 0, 0, 1, 0, 0]
-
-
-def test_show_draws_a_chain_down_to_the_queries(chains):
-    text = chains.rows("show", "Boletim")
-    assert text.startswith("Boletim\n├─ kind: data-source\n├─ class: moxSorterDataSource\n├─ library: escola\n")
-    tree = text.split("library: escola\n")[1]
-    assert tree == (
-        '├─ lets its user sort "Ordem" by\n'
-        '│  ├─ turma "Turma"\n'
-        '│  └─ media "Média", descending, the default\n'
-        "└─ reads\n"
-        "   └─ Com sala (moxJoinDataSource)\n"
-        "      ├─ joins\n"
-        "      │  ├─ Dobros\n"
-        "      │  │  ├─ turma: text\n"
-        "      │  │  ├─ media: double\n"
-        "      │  │  └─ dobro: double\n"
-        "      │  └─ Turmas\n"
-        "      │     ├─ where its turma is turma\n"
-        "      │     └─ sala as onde: text\n"
-        "      ├─ columns\n"
-        "      │  ├─ turma: text\n"
-        "      │  ├─ media: double\n"
-        "      │  ├─ dobro: double\n"
-        "      │  └─ onde: text\n"
-        "      └─ reads\n"
-        "         ├─ Dobros (moxExpressionDataSource)\n"
-        "         │  ├─ computes\n"
-        "         │  │  └─ dobro: double = media(0)*2, rounded to 1 decimal\n"
-        "         │  ├─ columns\n"
-        "         │  │  └─ dobro: double\n"
-        "         │  └─ reads\n"
-        "         │     └─ Médias (moxAggregationDataSource)\n"
-        "         │        ├─ groups by turma\n"
-        "         │        ├─ computes\n"
-        "         │        │  └─ media is moxDoubleAvg of nota\n"
-        "         │        ├─ counts the rows of each group\n"
-        "         │        ├─ columns\n"
-        "         │        │  ├─ turma: text\n"
-        "         │        │  ├─ media: double\n"
-        "         │        │  └─ data_count: int\n"
-        "         │        └─ reads\n"
-        "         │           └─ Notas (moxSQLDataSource)\n"
-        "         └─ Turmas (moxSQLDataSource)\n"
-    )
-
-
-def test_show_draws_the_other_kinds(chains):
-    assert (
-        '├─ rows by aluno\n├─ columns by bimestre as Bimestre\n├─ cells: nota by moxDoubleSum\n' in chains.rows("show", "Cruzada")
-    )
-    assert "├─ puts one below the other\n│  ├─ Notas\n│  │  ├─ aluno: text\n" in chains.rows("show", "União")
-    assert "├─ runs update notas set nota = {{nota}} where id = {{id}} and id < 100\n└─ filters\n" in chains.rows(
-        "show", "Corrigir nota"
-    )
-    assert "├─ sorts by\n│  └─ turma\n" in chains.rows("show", "Por turma")
-
-
-def test_show_tells_what_a_source_computes_as_json(chains):
-    computes = shown(chains, "Médias")["computes"]
-    assert (computes["operation"], computes["keys"], computes["counts_rows"]) == ("aggregation", ["turma"], True)
-    assert computes["inputs"] == [{"source": "Notas", "columns": [], "meetings": []}]
-    assert computes["functions"] == [{"kind": "moxDoubleAvg", "source": "nota", "target": "media"}]
-    sort = shown(chains, "Boletim")["computes"]
-    assert (sort["user_sorts"], sort["heading"]) == (True, "Ordem")
-    assert sort["sort"][1] == {"column": "media", "description": "Média", "direction": "descending", "default": True}
-    join = shown(chains, "Com sala")["computes"]["inputs"][1]
-    assert join["meetings"] == [{"column": "turma", "result_column": "turma"}]
-    assert join["columns"] == [{"name": "sala", "alias": "onde", "type": "text"}]
-    assert shown(chains, "Dobros")["computes"]["expressions"] == [
-        {"column": "dobro", "expression": "media(0)*2", "type": "double", "decimals": 1, "cut": False}
-    ]
-    assert shown(chains, "Cruzada")["computes"]["across"] == [{"column": "bimestre", "means": "Bimestre"}]
-    assert shown(chains, "Corrigir nota")["computes"]["statement"].startswith("update notas")
-
-
-def test_show_draws_a_source_that_is_read_twice_once(chains):
-    use_collections(chains, more=USERS, a=CHAINS.replace("</moxZYNCollection>", union("Ambas", "Boletim", "Médias") + "</moxZYNCollection>"))
-    text = chains.rows("show", "Ambas")
-    assert text.count("groups by turma") == 1 and "   └─ Médias (moxAggregationDataSource), see above\n" in text
-
-
-def test_show_tells_rings_and_missing_inputs(chains):
-    assert "Anel (moxSorterDataSource), see above: a ring" in chains.rows("show", "Anel")
-    assert "\n└─ reads\n   └─ Nenhuma: there is no such source\n" in chains.rows("show", "Órfã")
-    (missing,) = shown(chains, "Órfã")["reads"]
-    assert missing == {
-        "name": "Nenhuma", "class": "", "repeated": False, "ring": False, "missing": True, "reads": [],
-    }  # fmt: skip
-
-
-def test_failures_name_the_source_and_what_it_lacks(chains):
-    assert chains.refusal("run", "Ordem da órfã") == (
-        "Falha: Órfã; in the source 'Órfã', a moxAggregationDataSource; the source 'Órfã' reads 'Nenhuma', which is no "
-        "source that this session finds; in the definition 'Ordem da órfã'"
-    )
-    refused = chains.refusal("--unit", "3", "run", "Coluna errada")
-    assert refused.startswith("Coluna nada não localizada.; in the source 'Coluna errada', a moxDataSourcePivoting; ")
-    assert chains.refusal("--unit", "3", "run", "Oferta vazia", "--sort", "nada") == (
-        "the source 'Oferta vazia' offers to sort by 'nada', a column that its rows do not have"
-    )
-    refused = chains.refusal("run", "Anel")
-    assert refused.startswith("Fonte de dados externa inválida") and "Elo" in refused and "'Anel'" in refused
-    refused = chains.refusal("run", "De nada", "--yes")
-    assert "the source 'De nada' reads 'Corrigir nota', which gives no rows" in refused
-
-
-def test_explanation_of_a_failing_chain_tells_how_far_it_came(chains):
-    done = chains.zyn("--unit", "3", "explain", "Coluna errada", "--format", "json")
-    document = json.loads(done.stdout)
-    jsonschema.validate(document, SCHEMA)
-    assert done.returncode == 1 and document["error"]
-    assert [(s["name"], s["rows"]) for s in document["sources"]] == [("Notas", 4), ("Coluna errada", 0)]
-    text = chains.zyn("explain", "Ordem da órfã").stdout
-    assert "what is wrong in the chain\n  the source 'Órfã' reads 'Nenhuma', which is no source" in text
-
-
-def grade_of(school, key):
-    return school.rows("sql", f"select nota from notas where id = {key}").splitlines()[1]
-
-
-def test_what_changes_data_runs_on_request_only(chains):
-    arguments = ["Corrigir nota", "--filter", "nota=9.5", "--filter", "id=1"]
-    for command in ("run", "explain"):
-        assert chains.refusal(command, *arguments, status=2) == (
-            f"the definition 'Corrigir nota' changes data; it is run with --yes only (see zyn {command} --help)"
-        )
-    assert float(grade_of(chains, 1)) == 8
-    done = chains.zyn("run", *arguments, "--yes", "--out", "nada.csv")
-    assert (done.returncode, done.stdout, done.stderr) == (0, "", "the definition ran; it gives no rows\n")
-    assert float(grade_of(chains, 1)) == 9.5 and float(grade_of(chains, 2)) == 6
-    assert not (chains.folder / "nada.csv").exists()
-    assert chains.rows("--quiet", "run", "Corrigir nota", "--yes") == ""
-
-
-def test_dry_run_never_changes_data(chains):
-    arguments = ["explain", "Corrigir nota", "--filter", "nota=9.5", "--filter", "id=1", "--dry-run"]
-    text = chains.rows(*arguments)
-    assert "1. Corrigir nota: put together, not run\n" in text and "runs a statement that gives no rows" in text
-    document = json.loads(chains.rows(*arguments, "--format", "json"))
-    jsonschema.validate(document, SCHEMA)
-    (statement,) = document["sources"][0]["statements"]
-    assert statement["sql"].split() == "update notas set nota = ? where id = ? and id < 100".split()
-    assert [p["values"][0]["value"] for p in statement["parameters"]] == ["9.5", "1"]
-    assert float(grade_of(chains, 1)) == 8
-
-
-def test_explanation_of_what_changes_data(chains):
-    text = chains.rows("explain", "Corrigir nota", "--filter", "id=1", "--yes")
-    assert "1. Corrigir nota: no rows by design, " in text and "value: null" in text
-    assert grade_of(chains, 1) == ""
-
-
-LEAKS = (
-    aggregation("Sinais", "Notas", ["turma"], [("moxTextAppend", "sinal", "sinais")])
-    + aggregation("Sinais guardados", "Notas", ["turma"], [("moxTextAppend", "sinal", "sinais")], 'generateTempTable="1"')
-    + pivot("Sinais cruzados", "Notas", ["aluno"], ("sinal", "moxTextAppend"))
-    + """<moxJoinDataSource name="Sinais juntos"><sources>
-  <source name="Notas"><columns><moxDataMatrixTextColumn columnName="turma" acolumnAlias="turma"/>
-    <moxDataMatrixTextColumn columnName="sinal" acolumnAlias="um"/></columns><joins/></source>
-  <source name="Segundas"><columns><moxDataMatrixTextColumn columnName="sinal" acolumnAlias="outro"/></columns><joins>
-    <join columnNameOrigin="turma" sourceNameRelac="Notas" columnNameRelac="turma" columnNameJoin="turma"/></joins></source>
-</sources></moxJoinDataSource>"""
-    + """<moxGroupDataSource name="Lidos de volta" outputSource="lidos" filterSource="Notas"><DataSources>
-  <moxDadoDataSource name="Notas" dataSource="Notas"/>
-  <moxDadoDataSource name="guardados" dataSource="Sinais guardados"/>
-  <moxDadoDataSource name="lidos"><moxSQLDataSource name="lidos"><Command type="0">select turma, sinais from guardados</Command>
-    <Columns><Column columnName="turma" Type="1"/><Column columnName="sinais" Type="1"/></Columns></moxSQLDataSource>
-  </moxDadoDataSource>
-</DataSources></moxGroupDataSource>"""
+CLASSES = {
+    "moxAggregationDataSource",
+    "moxSorterDataSource",
+    "moxUnionDataSource",
+    "moxExpressionDataSource",
+    "moxDataSourcePivoting",
+    "moxJoinDataSource",
+}
+
+# The sources that read others, and ways to run each.
+RUNS = {
+    "Médias dos alunos": [[], ["id_turma=26"]],
+    "Médias por disciplina e aluno": [[], ["ano=2022..2024", "bimestre=1,2"]],
+    "Boletim cruzado": [["id_turma=26"]],
+    "Boletim da turma": [["id_turma=26"], ["id_turma=26", "bimestre=1"]],
+    "Médias das turmas": [[], ["ano=2024"]],
+    "Turmas da melhor à pior média": [[]],
+    "Classificação das turmas": [[], ["ano=2019..2021"]],
+    "Turmas na ordem escolhida": [[]],
+    "Pagamentos por fatura": [[], ["forma=pix,dinheiro"]],
+    "Faturas com pagamentos": [[], ["forma=pix", "vencimento=2021-01-01..2021-12-31"]],
+    "Saldos das faturas": [["situacao=parcial"]],
+    "Faturas por saldo": [[], ["situacao=parcial,vencida"]],
+    "Movimento financeiro": [[], ["vencimento=2021-01-01..", "forma=boleto"]],
+    "Notas de dois anos": [[]],
+    "Médias de dois anos": [[]],
+    "Médias por ano e bimestre": [[]],
+    "Evolução das disciplinas": [[]],
+    "Anos com turmas": [[], ["turno=matutino"]],
+    "Cursos por ano": [[], ["mensalidade=..900"]],
+}
+
+
+@pytest.fixture(params=["sqlite_escola", "mariadb_escola"])
+def escola(request):
+    return request.getfixturevalue(request.param)
+
+
+def as_options(filters):
+    return [part for text in filters for part in ("--filter", text)]
+
+
+def run(school, user, name, filters=(), *options, units=None, command="run"):
+    """For all units that the user may work in, unless units are named."""
+    asked = sorted(UNITS_OF[user]) if units is None else units
+    return output(school, user, asked, command, name, *as_options(filters), *options)
+
+
+def table_of(text):
+    return list(csv.reader(io.StringIO(text)))
+
+
+def rows_of(text):
+    return list(csv.DictReader(io.StringIO(text)))
+
+
+def by_hand(school, statement, user="rosangela"):
+    units = ", ".join(map(str, sorted(UNITS_OF[user])))
+    return rows_of(school.rows("--quiet", "sql", statement.format(u=units), "--format", "csv"))
+
+
+def number(text):
+    """A null, which is written as nothing, counts as 0."""
+    return float(text or 0)
+
+
+def cases():
+    return [pytest.param(name, filters, id=f"{name}: {' '.join(filters)}") for name in RUNS for filters in RUNS[name]]
+
+
+def derived():
+    return [element for element in definition_elements() if element.tag in CLASSES]
+
+
+def test_every_chain_of_the_example_is_run_here():
+    assert sorted(RUNS) == sorted(element.get("name") for element in derived())
+
+
+def test_each_kind_of_source_stands_in_two_definitions():
+    tags = [element.tag for element in definition_elements()]
+    assert {tag for tag in CLASSES | {"moxObjectDataSource"} if tags.count(tag) < 2} == set()
+
+
+@pytest.mark.parametrize(("name", "filters"), cases())
+def test_chain_gives_rows(sqlite_escola, name, filters):
+    header, *rows = table_of(run(sqlite_escola, "rosangela", name, filters))
+    assert len(header) == len(set(header)) and rows
+
+
+@pytest.mark.parametrize(("name", "filters"), cases())
+def test_both_databases_give_equal_tables(sqlite_escola, mariadb_escola, name, filters):
+    for user, options in (("rosangela", []), ("rosangela", ["--formatted"]), ("iara", [])):
+        one = run(sqlite_escola, user, name, filters, *options)
+        assert one == run(mariadb_escola, user, name, filters, *options), (user, options)
+
+
+@pytest.mark.parametrize(("name", "filters"), cases())
+def test_each_statement_of_a_chain_is_kept_to_its_units(escola, name, filters):
+    for user, unit in DEFAULT_UNIT.items():
+        assert seen_units(run(escola, user, name, filters, units=[])) <= {unit}
+        report = json.loads(run(escola, user, name, filters, "--format", "json", units=[], command="explain"))
+        statements = [statement for source in report["sources"] for statement in source["statements"]]
+        rules = [[c["origin"] for c in statement["conditions"]].count("unit-rule") for statement in statements]
+        assert rules and set(rules) == {1}, user
+
+
+@pytest.mark.parametrize("name", RUNS)
+def test_user_without_units_gets_nothing(escola, name):
+    settings = escola.folder / "sem_unidade.toml"
+    settings.write_text(escola.settings.read_text(encoding="utf-8") + WITHOUT_UNITS, encoding="utf-8")
+    done = escola.zyn("--config", settings, "--user", "sem_unidade", "run", name)
+    assert (done.returncode, done.stdout) == (1, "")
+    assert done.stderr.startswith("zyn: Não foi identificado a unidade matriz para processamento")
+
+
+def explained(school, name, filters=()):
+    return json.loads(run(school, "rosangela", name, filters, "--format", "json", command="explain"))["sources"]
+
+
+FIVE_STEPS = {
+    "Boletim da turma": [
+        "Notas das turmas",
+        "Médias dos alunos",
+        "Médias por disciplina e aluno",
+        "Boletim cruzado",
+        "Boletim da turma",
+    ],
+    "Turmas na ordem escolhida": [
+        "Notas das turmas",
+        "Médias das turmas",
+        "Turmas da melhor à pior média",
+        "Classificação das turmas",
+        "Turmas na ordem escolhida",
+    ],
+    "Faturas por saldo": [
+        "Faturas emitidas",
+        "Pagamentos recebidos",
+        "Pagamentos por fatura",
+        "Faturas com pagamentos",
+        "Saldos das faturas",
+        "Faturas por saldo",
+    ],
+    "Evolução das disciplinas": [
+        "Notas do ano passado",
+        "Notas deste ano",
+        "Notas de dois anos",
+        "Médias de dois anos",
+        "Médias por ano e bimestre",
+        "Evolução das disciplinas",
+    ],
+}
+
+
+@pytest.mark.parametrize("name", FIVE_STEPS)
+def test_explain_tells_rows_and_time_of_each_step(escola, name):
+    steps = explained(escola, name)
+    assert [step["name"] for step in steps] == FIVE_STEPS[name]
+    for step in steps:
+        assert step["executed"] and step["rows"] > 0
+    rows = len(rows_of(run(escola, "rosangela", name)))
+    assert steps[-1]["rows"] == rows
+
+
+# The report card
+
+AVERAGES = """select t.id as id_turma, m.numero, a.nome as aluno, d.sigla, avg(n.nota) as media, sum(n.faltas) as faltas
+from escola_notas n
+inner join escola_matriculas m on m.id = n.id_matricula
+inner join escola_turmas t on t.id = m.id_turma
+inner join escola_alunos a on a.id = m.id_aluno
+inner join escola_disciplinas d on d.id = n.id_disciplina
+where n.id_unidade in ({u}) {more}
+group by t.id, m.numero, a.nome, d.sigla
+order by min(n.id)"""
+
+
+def averages(school, more=""):
+    return by_hand(school, AVERAGES.replace("{more}", more))
+
+
+def same_average(one, other):
+    """A group without marks has none, on either side."""
+    return (one == "") == (other == "") and abs(number(one) - number(other)) < 1e-9
+
+
+def same_averages(rows, wanted):
+    keys = ("id_turma", "numero", "aluno", "sigla", "faltas")
+    assert [[row[key] for key in keys] for row in rows] == [[row[key] for key in keys] for row in wanted]
+    return all(same_average(row["media"], other["media"]) for row, other in zip(rows, wanted))
+
+
+@pytest.mark.parametrize(
+    ("filters", "more"),
+    [([], ""), (["id_turma=26"], "and t.id = 26"), (["ano=2022..", "bimestre=1,2"], "and t.ano >= 2022 and n.bimestre in (1, 2)")],
 )
-LEAKY = ["Sinais", "Sinais cruzados", "Sinais juntos", "União", "Lidos de volta"]
+def test_averages_are_those_of_group_by(escola, filters, more):
+    rows = rows_of(run(escola, "rosangela", "Médias dos alunos", filters))
+    assert len(rows) > 200 and same_averages(rows, averages(escola, more))
 
 
-@pytest.fixture
-def leaky(chains):
-    use_collections(chains, more=USERS, a=CHAINS.replace("</moxZYNCollection>", LEAKS + "</moxZYNCollection>"))
-    return chains
+def test_averages_stand_in_the_order_of_the_sorter(escola):
+    rows = rows_of(run(escola, "rosangela", "Médias por disciplina e aluno"))
+    wanted = sorted(averages(escola), key=lambda row: (row["sigla"].encode(), int(row["numero"])))
+    assert same_averages(rows, wanted)
 
 
-@pytest.mark.parametrize("name", LEAKY)
-def test_no_unit_of_another_run_is_seen_through_a_chain(leaky, name):
-    everything = leaky.rows("--unit", "3", "--unit", "4", "--unit", "5", "run", name)
-    assert all(mark(unit) in everything for unit in (3, 5))
-    for arguments in ([], ["--filter", "id_unidade=3,4,5"], ["--filter", "id_unidade=1.."]):
-        source = [] if name == "Lidos de volta" else ["--filter", "Notas:" + arguments[1]] if arguments else []
-        given = source or arguments
-        seen = leaky.rows("--user", "maria", "run", name, *given)
-        assert mark(3) in seen and mark(4) not in seen and mark(5) not in seen, (name, given)
-        both = leaky.rows("--user", "maria", "--unit", "3", "--unit", "4", "run", name, *given)
-        assert mark(5) not in both
-    foreign = ["--filter", ("" if name == "Lidos de volta" else "Notas:") + "id_unidade=5"]
-    assert mark(5) not in leaky.rows("--user", "maria", "run", name, *foreign)
+def test_report_card_has_the_average_of_each_student_and_subject(escola):
+    header, *rows = table_of(run(escola, "rosangela", "Boletim da turma", ["id_turma=26"]))
+    wanted = averages(escola, "and t.id = 26")
+    assert header == ["numero", "aluno", *sorted({row["sigla"] for row in wanted})]
+    students = sorted({(int(row["numero"]), row["aluno"]) for row in wanted})
+    assert [(int(row[0]), row[1]) for row in rows] == students and len(students) > 20
+    marks = {(row["aluno"], row["sigla"]): row["media"] for row in wanted}
+    for row in rows:
+        for subject, shown_average in zip(header[2:], row[2:]):
+            assert same_average(shown_average, marks.get((row[1], subject), "")), (row[1], subject)
 
 
-def test_temporary_tables_of_runs_at_once_are_apart(leaky):
-    def run(unit):
-        return leaky.rows("--unit", str(unit), "run", "Lidos de volta")
+# Ranks
 
-    units = [3, 4, 5] * 4
-    with concurrent.futures.ThreadPoolExecutor(4) as pool:
-        for unit, text in zip(units, pool.map(run, units)):
-            assert mark(unit) in text
-            assert not any(mark(other) in text for other in {3, 4, 5} - {unit})
-
-
-def test_filters_on_units_of_every_query_of_a_chain_are_kept(leaky):
-    document = json.loads(
-        leaky.rows("--user", "maria", "explain", "União", "--filter", "Notas:id_unidade=3,5", "--filter", "Segundas:id_unidade=5",
-                   "--format", "json")
-    )  # fmt: skip
-    assert [f["keptToUnits"] for f in document["filters"]] == [True, True]
-    assert [(s["name"], s["rows"]) for s in document["sources"]] == [("Notas", 4), ("Segundas", 0), ("União", 4)]
+CLASS_AVERAGES = """select t.ano, t.id as id_turma, t.nome as turma, avg(n.nota) as media, min(n.nota) as menor,
+  max(n.nota) as maior, sum(n.faltas) as faltas, count(*) as data_count
+from escola_notas n
+inner join escola_matriculas m on m.id = n.id_matricula
+inner join escola_turmas t on t.id = m.id_turma
+where n.id_unidade in ({u})
+group by t.id, t.ano, t.nome
+order by min(n.id)"""
 
 
-HOSTILE = ["a,b", 'a "b"', "a\nb", "a\r\nb", '"', ",", "\n", " a ", ";", "á,\"\n", "\x1b[31m"]
+def test_figures_of_classes_are_those_of_group_by(escola):
+    rows = rows_of(run(escola, "rosangela", "Médias das turmas"))
+    wanted = by_hand(escola, CLASS_AVERAGES)
+    assert [list(row) for row in rows] == [list(row) for row in wanted] and len(rows) > 10
+    for row, other in zip(rows, wanted):
+        assert (row.pop("turma"), row.pop("ano")) == (other.pop("turma"), other.pop("ano"))
+        assert {key: number(value) for key, value in row.items()} == pytest.approx(
+            {key: number(value) for key, value in other.items()}
+        )
 
 
-def test_cells_go_round_through_another_reader_of_csv(sqlite_school):
-    sqlite_school.rows("sql", "create table duros (id int, texto text)")
-    for number, text in enumerate(HOSTILE):
-        quoted = text.replace("'", "''")
-        sqlite_school.rows("sql", "-", stdin=f"insert into duros values ({number}, '{quoted}')")
-    definition = f"""<moxZYNCollection><moxSQLDataSource name="Duros"><Command type="1"><from>duros t</from></Command>
-      <Columns>{column("id", 2, "t")}{column("texto", 1, "t")}</Columns>
-      <Order><By tableName="t" columnName="id"/></Order></moxSQLDataSource>
-      {sorter("Duros em ordem", "Duros", '<column name="id" dir="asc"/>', 'userDefined="no"')}</moxZYNCollection>"""
-    use_collections(sqlite_school, a=definition)
-    for name in ("Duros", "Duros em ordem"):
-        done = subprocess.run([*zyn_call(sqlite_school), "run", name], cwd=sqlite_school.folder, capture_output=True, check=True)
-        rows = list(csv.reader(io.StringIO(done.stdout.decode("utf-8"), newline=""), strict=True))
-        assert rows == [["id", "texto"], *([str(i), text] for i, text in enumerate(HOSTILE))]
+def rounded(value):
+    """To two places, halves away from zero."""
+    return int(abs(value) * 100 + 0.5) / 100 * (1 if value >= 0 else -1)
 
 
-def zyn_call(school):
-    return [school.zyn("--version").args[0]]
+def test_place_is_one_more_than_the_better_classes(escola):
+    rows = rows_of(run(escola, "rosangela", "Classificação das turmas"))
+    wanted = {row["id_turma"]: row for row in by_hand(escola, CLASS_AVERAGES)}
+    order = {key: (-number(row["media"]), int(key)) for key, row in wanted.items()}
+    best = max(number(row["media"]) for row in wanted.values())
+    assert [row["id_turma"] for row in rows] == sorted(order, key=order.get)
+    for row in rows:
+        other = wanted[row["id_turma"]]
+        assert int(row["colocacao"]) == 1 + sum(better < order[row["id_turma"]] for better in order.values())
+        assert number(row["abaixo"]) == pytest.approx(rounded(best - number(other["media"])), abs=1e-9)
+        assert number(row["faltas_por_nota"]) == pytest.approx(rounded(number(other["faltas"]) / number(other["data_count"])))
 
 
-def test_columns_of_one_name_are_all_written(sqlite_school):
-    assert sqlite_school.rows("sql", "select 1 as a, 2 as a, '' as \"\", 3 as \"0\"") == 'a,a,"",0\n1,2,"",3\n'
+# Invoices with payments
+
+PAID = """select g.id_fatura, sum(g.valor) as pago, sum(g.encargos) as encargos, max(g.pago_em) as ultimo_pagamento,
+  count(*) as data_count from escola_pagamentos g where g.id_unidade in ({u}) group by g.id_fatura"""
+
+INVOICES = f"""select f.id as id_fatura, a.nome as aluno, f.descricao as fatura, f.vencimento, f.valor, f.desconto,
+  p.data_count as pagamentos, p.pago, p.encargos, p.ultimo_pagamento,
+  f.valor - coalesce(f.desconto, 0) - p.pago + coalesce(p.encargos, 0) as saldo
+from escola_faturas f
+inner join escola_matriculas m on m.id = f.id_matricula
+inner join escola_alunos a on a.id = m.id_aluno
+inner join ({PAID}) p on p.id_fatura = f.id
+where f.id_unidade in ({{u}})
+order by f.id"""
+
+MONEY = ("valor", "desconto", "pago", "encargos", "saldo")
+
+
+def comparable(rows):
+    """Sums of money are the same to the cent, whether they were added as decimals or as doubles."""
+    return [
+        {key: (value and f"{float(value):.2f}") if key in MONEY else value for key, value in row.items()} for row in rows
+    ]
+
+
+def without(row, *names):
+    return {key: value for key, value in row.items() if key not in names}
+
+
+def test_join_is_that_of_a_statement(escola):
+    rows = comparable(rows_of(run(escola, "rosangela", "Faturas com pagamentos")))
+    assert len(rows) > 1000
+    assert rows == [without(row, "saldo") for row in comparable(by_hand(escola, INVOICES))]
+
+
+def test_what_is_left_to_pay_is_worked_out_and_sorted(escola):
+    rows = rows_of(run(escola, "rosangela", "Faturas por saldo"))
+    wanted = {row["id_fatura"]: row for row in comparable(by_hand(escola, INVOICES))}
+    assert [number(row["saldo"]) for row in rows] == sorted((number(row["saldo"]) for row in rows), reverse=True)
+    assert len(rows) == len(wanted)
+    for row in comparable(rows):
+        other = wanted[row["id_fatura"]]
+        assert without(row, "saldo") == without(other, "saldo")
+        assert number(row["saldo"]) == pytest.approx(number(other["saldo"]), abs=0.005), row
+
+
+def test_invoices_that_are_paid_leave_nothing(escola):
+    rows = rows_of(run(escola, "rosangela", "Faturas por saldo", ["situacao=paga"]))
+    assert len(rows) > 1000 and {number(row["saldo"]) for row in rows} == {0}
+
+
+def test_payments_of_an_invoice_are_added_up(escola):
+    rows = rows_of(run(escola, "rosangela", "Pagamentos por fatura"))
+    wanted = {row["id_fatura"]: row for row in comparable(by_hand(escola, PAID))}
+    assert {row["id_fatura"] for row in rows} == set(wanted) and max(int(row["data_count"]) for row in rows) > 1
+    last = {row["id_fatura"]: row["forma"] for row in rows_of(run(escola, "rosangela", "Pagamentos recebidos"))}
+    for row in comparable(rows):
+        assert row.pop("ultima_forma") == last[row["id_fatura"]]
+        assert row == wanted[row["id_fatura"]]
+
+
+def test_union_is_union_all(escola):
+    rows = table_of(run(escola, "rosangela", "Movimento financeiro"))
+    wanted = by_hand(
+        escola,
+        """select descricao, dia, valor, nota from (
+             select 1 as parte, f.id, f.descricao, f.vencimento as dia, f.valor, f.situacao as nota
+             from escola_faturas f where f.id_unidade in ({u})
+             union all
+             select 2, g.id, f.descricao, g.pago_em, g.valor, g.forma
+             from escola_pagamentos g inner join escola_faturas f on f.id = g.id_fatura where g.id_unidade in ({u})) x
+           order by parte, id""",
+    )
+    assert rows[0] == ["descricao", "vencimento", "valor", "situacao"] and len(rows) > 10000
+    for row, other in zip(rows[1:], wanted, strict=True):
+        assert [row[0], row[3]] == [other["descricao"], other["nota"]]
+        assert row[1].removesuffix(" 00:00:00") == other["dia"].removesuffix(" 00:00:00")
+        assert number(row[2]) == number(other["valor"])
+
+
+# Two years
+
+TWO_YEARS = """select t.ano, d.sigla, n.bimestre, n.nota
+from escola_notas n
+inner join escola_matriculas m on m.id = n.id_matricula
+inner join escola_turmas t on t.id = m.id_turma
+inner join escola_disciplinas d on d.id = n.id_disciplina
+where n.id_unidade in ({u}) and t.ano in (2023, 2024)
+order by t.ano, n.id"""
+
+
+def test_two_years_stand_below_each_other(escola):
+    rows = rows_of(run(escola, "admin", "Notas de dois anos"))
+    assert {row["ano"] for row in rows} == {"2023", "2024"}
+    assert rows == by_hand(escola, TWO_YEARS, "admin")
+
+
+def averages_of_two_years(school):
+    groups = {}
+    for row in by_hand(school, TWO_YEARS, "admin"):
+        marks = groups.setdefault((row["sigla"], int(row["ano"]), int(row["bimestre"])), [])
+        marks += [float(row["nota"])] if row["nota"] else []
+    return {key: sum(marks) / len(marks) if marks else None for key, marks in groups.items()}
+
+
+def test_years_and_bimesters_stand_side_by_side(escola):
+    header, *rows = table_of(run(escola, "admin", "Evolução das disciplinas"))
+    wanted = averages_of_two_years(escola)
+    terms = sorted({key[1:] for key, average in wanted.items()})
+    assert header[0] == "sigla" and len(header) == 1 + len(terms)
+    for name, (year, term) in zip(header[1:], terms):
+        assert str(year) in name and f"{term}º bimestre" in name
+    for row in rows:
+        for cell, (year, term) in zip(row[1:], terms):
+            average = wanted.get((row[0], year, term))
+            assert cell == "" if average is None else float(cell) == pytest.approx(average), (row[0], year, term)
+
+
+# Each with each
+
+def test_each_year_meets_each_course(escola):
+    rows = rows_of(run(escola, "rosangela", "Cursos por ano"))
+    years = by_hand(
+        escola, "select ano, count(*) as turmas from escola_turmas where id_unidade in ({u}) group by ano order by ano desc"
+    )
+    assert [tuple(row.values()) for row in rows_of(run(escola, "rosangela", "Anos com turmas"))] == [
+        tuple(row.values()) for row in years
+    ]
+    courses = rows_of(run(escola, "rosangela", "Cursos da rede"))
+    wanted = [(y["ano"], y["turmas"], c["nome"], c["nivel"]) for y, c in itertools.product(years, courses)]
+    assert sorted(tuple(row.values()) for row in rows) == sorted(wanted) and len(courses) > 2 < len(years)
+
+
+# On a terminal
+
+@pytest.mark.parametrize("width", [80, 120, 160])
+@pytest.mark.parametrize("name", FIVE_STEPS)
+def test_tables_keep_to_the_terminal(sqlite_escola, width, name):
+    units = [part for unit in sorted(UNITS_OF["rosangela"]) for part in ("--unit", str(unit))]
+    text = shown(sqlite_escola, width, "--user", "rosangela", *units, "run", name, "--limit", "20")
+    *lines, end = STYLE.sub("", text).splitlines()
+    assert len(lines) > 2 and max(map(len, lines)) <= width
+    assert width == 80 or "no room" not in end
+
+
+@pytest.mark.parametrize("width", [80, 120, 160])
+def test_report_card_fits_the_terminal(sqlite_escola, width):
+    options = ["--user", "joaquim", "run", "Boletim da turma", "--filter", "id_turma=26"]
+    heading, line, *students, end = STYLE.sub("", shown(sqlite_escola, width, *options)).splitlines()
+    assert "MAT" in heading.split() and "no room" not in end
+    assert max(map(len, [heading, line, *students])) <= width

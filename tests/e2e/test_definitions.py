@@ -76,6 +76,11 @@ RUNS = {
     "Painéis da rede": [[]],
     "Configurações da unidade": [[]],
     "Vagas por turma": [[], ["serie=6"], ["turno=matutino"]],
+    "Notas das turmas": [["id_turma=26"], ["ano=2023..2024", "bimestre=1,4"]],
+    "Faturas emitidas": [[], ["vencimento=2021-01-01..2021-12-31", "situacao=parcial,vencida"]],
+    "Pagamentos recebidos": [[], ["forma=pix,dinheiro"]],
+    "Notas do ano passado": [[]],
+    "Notas deste ano": [[]],
 }
 
 # Statements without an order of their own: rows come as the database likes.
@@ -143,7 +148,7 @@ def test_no_item_is_skipped(sqlite_escola):
     assert (done.returncode, done.stderr) == (0, "")
     kinds = [item["kind"] for item in json.loads(done.stdout)]
     assert len(kinds) == len(list(definition_elements())) >= 20
-    assert {kind: kinds.count(kind) for kind in kinds} == {"data-source": 31, "formatter": 6, "pack": 1, "search": 5}
+    assert {kind: kinds.count(kind) for kind in kinds} == {"data-source": 57, "formatter": 7, "pack": 1, "search": 5}
 
 
 @pytest.mark.parametrize(("name", "filters"), cases())

@@ -20,7 +20,7 @@ class moxDataSourceOption : public virtual moxPluginBase {
   /// The registered name of the component with which he answers.
   virtual std::string getVisualRepresentation() const = 0;
 
-  /// A new answer, at first the default one.
+  /// A new answer, to be filled in.
   virtual std::shared_ptr<moxDataSourceOptionData> createOptionData() const = 0;
 };
 
