@@ -150,12 +150,17 @@ void AggregationRun::emptyResult(moxDataMatrix& made) {
   }
 }
 
+/// What is computed of prices looks like a price: the first column of one of our own functions. The
+/// others are for the function itself.
 void AggregationRun::addFunctionColumns(moxDataMatrix& made, Step& step, std::uint32_t groups) {
   for (auto const& column : step.function->columns()) {
     if (!column) {
       continue;
     }
     addNulls(*column, groups);
+    if (step.source && step.targets.empty() && column->getType() == step.source->getType()) {
+      column->setFormatter(step.source->getFormatter());
+    }
     step.targets.push_back(column->begin());
     made.addColumn(column);
   }
