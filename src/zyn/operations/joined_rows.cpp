@@ -29,6 +29,22 @@ void eachCopy(JoinedRows const& joined, RowMatches const& matches, Use const& us
   }
 }
 
+/// Takes out the rows that meet nothing, and tells which the others were. Every row is written, and
+/// the next one over it if it does not stay: which do cannot be foreseen by the processor.
+RowOrder keepThoseThatMeet(RowOrder& listOf) {
+  RowOrder before(listOf.size());
+  std::size_t kept = 0;
+  for (std::size_t row = 0; row < listOf.size(); ++row) {
+    std::uint32_t const list = listOf[row];
+    before[kept] = static_cast<std::uint32_t>(row);
+    listOf[kept] = list;
+    kept += static_cast<std::size_t>(list != kNone);
+  }
+  before.resize(kept);
+  listOf.resize(kept);
+  return before;
+}
+
 /// Makes room for that many copies; a row is no longer what it was.
 void prepare(JoinedRows& joined, std::uint64_t copies) {
   refuseTooManyRows(joined.stayed + copies);
@@ -75,14 +91,12 @@ JoinedRows rowsThatMeet(RowMatches& matches) {
   joined.stayed = listOf.size() - lost;
   joined.unchanged = lost == 0;
   if (!joined.unchanged) {
-    joined.before.reserve(joined.stayed);
-    for (std::uint32_t row = 0; row < listOf.size(); ++row) {
-      if (listOf[row] != kNone) {
-        listOf[joined.before.size()] = listOf[row];
-        joined.before.push_back(row);
-      }
-    }
-    listOf.resize(joined.stayed);
+    joined.before = keepThoseThatMeet(listOf);
+  }
+  if (matches.lists->areSingleRows()) {  // so there will be no copies, and nobody asks for lists
+    joined.source = std::move(listOf);
+    listOf.clear();
+    return joined;
   }
   joined.source.reserve(joined.stayed);
   std::transform(listOf.begin(), listOf.end(), std::back_inserter(joined.source),
@@ -91,6 +105,9 @@ JoinedRows rowsThatMeet(RowMatches& matches) {
 }
 
 void addCopies(JoinedRows& joined, RowMatches const& matches) {
+  if (matches.listOf.empty()) {
+    return;
+  }
   std::uint64_t copies = 0;
   eachCopy(joined, matches, [&](std::size_t, std::uint32_t) { ++copies; });
   if (copies == 0) {

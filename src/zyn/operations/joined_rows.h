@@ -23,8 +23,10 @@ struct JoinedRows {
 /// rows than a result may have, before they are made; likewise below.
 JoinedRows crossedRows(std::uint32_t rows, std::uint32_t sourceRows);
 
-/// The rows so far that meet some, without copies. Afterwards `matches` tells of those that stayed.
+/// The rows so far that meet some, without copies. Afterwards `matches` tells of those that stayed,
+/// and is empty where each list is a single row, so that no copies will come of it.
 JoinedRows rowsThatMeet(RowMatches& matches);
 
-/// Adds the copies. `matches` tells what each row that stayed meets after the first one.
+/// Adds the copies. `matches` tells what each row that stayed meets after the first one; empty for
+/// nothing.
 void addCopies(JoinedRows& joined, RowMatches const& matches);
