@@ -12,7 +12,7 @@ Measures floor, ours and peers in turns and prints a table of medians.
   --rows N     rows of every case, in place of its own number (loads 1M, sorts 10M); up to 16M
   --rounds N   rounds; 5 unless told
   --case NAME  only this case; may be repeated: load-sqlite, load-mariadb, sort-numbers, sort-text, append, walk, index,
-               group-int, group-text, group-two, expression
+               group-int, group-text, group-two, expression, join
   --cpu        processor time in place of elapsed time, for a machine with other work
   --write      put machine and table into docs/benchmarks.md; needs 5 rounds or more
   --help       this text
