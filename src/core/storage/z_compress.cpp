@@ -2,6 +2,7 @@
 
 #include <zlib.h>
 
+#include <algorithm>
 #include <new>
 #include <string>
 #include <vector>
@@ -14,6 +15,10 @@ namespace mox::core {
 namespace {
 
 constexpr std::size_t kWindow = std::size_t{64} << 10;
+
+// What one step may add to data that is decompressed. The library copies the last 32 KiB aside at
+// the end of each.
+constexpr std::size_t kInflatedStep = std::size_t{256} << 10;
 
 [[noreturn]] void fail(std::string message) {
   throw moxDefaultErrorImpl<moxError>(std::move(message));
@@ -28,10 +33,11 @@ std::string atByte(std::size_t offset) {
 }
 
 /// What both directions share: a window of input filled from a cursor, and output that grows by a
-/// window at a time, so that a bound is noticed before much is written beyond it.
+/// step at a time, so that a bound is noticed before much is written beyond it.
 class Stream {
  public:
-  explicit Stream(moxReadBlobCursor& source) : source_(source), input_(kWindow) {}
+  explicit Stream(moxReadBlobCursor& source, std::size_t step = kWindow)
+      : source_(source), step_(step), input_(kWindow) {}
 
   Stream(Stream const&) = delete;
   Stream& operator=(Stream const&) = delete;
@@ -47,11 +53,18 @@ class Stream {
 
   void makeRoom() {
     if (output_.size() == produced()) {
-      output_.resize(produced() + kWindow);
+      output_.resize(produced() + step_);
     }
     z_.next_out = reinterpret_cast<Bytef*>(output_.data()) + produced();
     z_.avail_out = static_cast<uInt>(output_.size() - produced());
   }
+
+  /// Takes memory for so much output at once. What is never written costs nothing, but to grow by
+  /// doubling copies all of it.
+  void expect(std::size_t size) { output_.reserve(size); }
+
+  /// Whether one more step needs memory.
+  bool isFull() const { return output_.capacity() < produced() + step_; }
 
   std::shared_ptr<moxBlob> takeOutput() {
     output_.resize(produced());
@@ -64,6 +77,7 @@ class Stream {
 
  private:
   moxReadBlobCursor& source_;
+  std::size_t const step_;  // bytes
   std::vector<Bytef> input_;
   std::string output_;
   z_stream z_ = {};
@@ -97,8 +111,9 @@ class Deflater {
 
 class Inflater {
  public:
-  Inflater(moxReadBlobCursor& source, ZCompress::Bounds const& bounds)
-      : stream_(source), bounds_(bounds) {
+  /// `size` is how long the source is, 0 where that is not known.
+  Inflater(moxReadBlobCursor& source, std::size_t size, ZCompress::Bounds const& bounds)
+      : stream_(source, kInflatedStep), size_(size), bounds_(bounds) {
     if (inflateInit(&stream_.z()) != Z_OK) {
       throw std::bad_alloc();
     }
@@ -111,6 +126,7 @@ class Inflater {
   std::shared_ptr<moxBlob> run() {
     while (step()) {
       checkBounds();
+      expectTheRest();
     }
     checkBounds();
     if (stream_.refill()) {
@@ -141,6 +157,17 @@ class Inflater {
     fail("The compressed data ends too early.", atByte(stream_.consumed()));
   }
 
+  /// What follows will grow about as what came so far did, and no further than is allowed.
+  void expectTheRest() {
+    if (stream_.consumed() == 0 || size_ <= stream_.consumed() || !stream_.isFull()) {
+      return;
+    }
+    double const growth =
+        static_cast<double>(stream_.produced()) / static_cast<double>(stream_.consumed());
+    double const expected = 1.1 * growth * static_cast<double>(size_);
+    stream_.expect(std::min(static_cast<std::size_t>(expected), bounds_.maxBytes) + kInflatedStep);
+  }
+
   std::string reason() {
     return stream_.z().msg != nullptr ? std::string(": ") + stream_.z().msg : "";
   }
@@ -159,6 +186,7 @@ class Inflater {
   }
 
   Stream stream_;
+  std::size_t const size_;  // bytes
   ZCompress::Bounds bounds_;
 };
 
@@ -173,11 +201,11 @@ std::shared_ptr<moxBlob> ZCompress::compress(moxReadBlobCursor& plain) const {
 }
 
 std::shared_ptr<moxBlob> ZCompress::decompress(moxReadBlob const& compressed) const {
-  return decompress(*compressed.openRead());
+  return Inflater(*compressed.openRead(), compressed.size(), bounds_).run();
 }
 
 std::shared_ptr<moxBlob> ZCompress::decompress(moxReadBlobCursor& compressed) const {
-  return Inflater(compressed, bounds_).run();
+  return Inflater(compressed, 0, bounds_).run();
 }
 
 }  // namespace mox::core

@@ -98,6 +98,15 @@ TEST(ZCompress, TakesAnAdapterBlob) {
   EXPECT_EQ(decompressed(contentOf(*ZCompress().compress(blob))), plain);
 }
 
+TEST(ZCompress, DataThatGrowsUnevenlyComesBackWhole) {
+  std::mt19937 random(13);
+  std::string const noise = randomBytes(random, 3 * kMiB, 256);
+  std::string const text = randomBytes(random, 3 * kMiB, 2);
+  for (auto const& plain : {noise + text, text + noise, text + noise + text}) {
+    EXPECT_TRUE(decompressed(compressed(plain)) == plain);
+  }
+}
+
 TEST(ZCompress, EmptyDataIsAnError) {
   EXPECT_EQ(failureOf(""), "The compressed data is empty.");
 }
