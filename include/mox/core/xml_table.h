@@ -1,9 +1,11 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string_view>
 
+class moxReadBlob;
 class moxXMLNode;
 
 /// The elements of a document as it was read, as plain data in the order of the text: for whoever
@@ -77,4 +79,23 @@ class moxXMLTableSource {
   /// The document as it was read; empty for an element that is no root, once the document was asked
   /// for any of its nodes, and for a document that was not read.
   virtual std::shared_ptr<moxXMLTable const> table() const = 0;
+};
+
+/// Second face of a document object that hands out what it reads child by child, for whoever reads
+/// thousands of elements once: their table is then as small as one of them, and never leaves the
+/// processor's caches. Ask for it by a dynamic_cast.
+class moxXMLPieces {
+ public:
+  /// Gets the root as element 0, with its attributes alone, and then each child of the root as
+  /// element 1, with all that stands in it. The table holds nothing else and changes behind each
+  /// call: nothing of it may be kept.
+  using Visit = std::function<void(moxXMLTable const& table, std::uint32_t element)>;
+
+  virtual ~moxXMLPieces() = default;
+
+  /// Reads a document as moxXMLDocument::parse takes it, and leaves the object as it was. False for
+  /// a document that cannot be read so: what was handed out by then is worth nothing, and parse is
+  /// to be asked. Throws as parse does, when the pieces ahead of the defect were handed out
+  /// already, and what `visit` throws.
+  virtual bool readPieces(moxReadBlob const& content, Visit const& visit) const = 0;
 };

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
+#include <utility>
 
 #include "core/documents/document_error.h"
 #include "core/documents/utf8.h"
@@ -101,16 +102,16 @@ std::string printable(std::string_view label) {
   return text;
 }
 
-std::string decodeDeclared(std::string_view bytes) {
+std::string_view decodeDeclared(std::string_view bytes, std::string& room) {
   std::string const label = declaredEncoding(bytes);
   if (isOneOf(label, {"", "utf-8", "utf8", "us-ascii", "ascii"})) {
-    return std::string(bytes);
+    return bytes;
   }
   if (isOneOf(label, {"iso-8859-1", "iso8859-1", "iso_8859-1", "latin1", "latin-1"})) {
-    return decodeLatin1(bytes);
+    return room = decodeLatin1(bytes);
   }
   if (isOneOf(label, {"windows-1252", "cp1252"})) {
-    return decodeWindows1252(bytes);
+    return room = decodeWindows1252(bytes);
   }
   throw DocumentError(
       "XML", "the encoding \"" + printable(label) + "\" is not known; save the document as UTF-8");
@@ -118,24 +119,30 @@ std::string decodeDeclared(std::string_view bytes) {
 
 }  // namespace
 
-std::string decodeXml(std::string_view bytes) {
+std::string_view decodeXml(std::string_view bytes, std::string& room) {
   using namespace std::string_view_literals;
   if (bytes.starts_with("\xEF\xBB\xBF"sv)) {
-    return std::string(bytes.substr(3));
+    return bytes.substr(3);
   }
   if (bytes.starts_with("\xFE\xFF"sv)) {
-    return decodeUtf16(bytes.substr(2), true);
+    return room = decodeUtf16(bytes.substr(2), true);
   }
   if (bytes.starts_with("\xFF\xFE"sv)) {
-    return decodeUtf16(bytes.substr(2), false);
+    return room = decodeUtf16(bytes.substr(2), false);
   }
   if (bytes.starts_with("\0<"sv)) {
-    return decodeUtf16(bytes, true);
+    return room = decodeUtf16(bytes, true);
   }
   if (bytes.starts_with("<\0"sv)) {
-    return decodeUtf16(bytes, false);
+    return room = decodeUtf16(bytes, false);
   }
-  return decodeDeclared(bytes);
+  return decodeDeclared(bytes, room);
+}
+
+std::string decodeXml(std::string_view bytes) {
+  std::string room;
+  std::string_view const text = decodeXml(bytes, room);
+  return room.empty() ? std::string(text) : std::move(room);
 }
 
 }  // namespace mox::core

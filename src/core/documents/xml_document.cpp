@@ -40,6 +40,12 @@ std::string XmlDocument::writeText(int indent, int declaration) const {
   return writeXml(tree_->root(), indent != 0, declaration != 0);
 }
 
+bool XmlDocument::readPieces(moxReadBlob const& content, Visit const& visit) const {
+  requireSize(content.size());
+  std::string room;
+  return scanXmlPieces(decodeXml(std::string_view(content.data(), content.size()), room), visit);
+}
+
 void XmlDocument::show(std::shared_ptr<XmlTree> tree) {
   root_ = std::make_shared<XmlNode>(tree, pugi::xml_node(), 1);
   tree_ = std::move(tree);

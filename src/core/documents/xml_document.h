@@ -6,11 +6,12 @@
 
 #include "core/documents/xml_node.h"
 #include "mox/core/xml.h"
+#include "mox/core/xml_table.h"
 
 namespace mox::core {
 
 /// An XML document over the pugixml library.
-class XmlDocument : public moxXMLDocument {
+class XmlDocument : public moxXMLDocument, public moxXMLPieces {
  public:
   XmlDocument() { create("root"); }
 
@@ -20,6 +21,7 @@ class XmlDocument : public moxXMLDocument {
   void loadText(std::string_view text) override;
   std::shared_ptr<moxXMLNode> root() const override { return root_; }
   std::string writeText(int indent, int declaration) const override;
+  bool readPieces(moxReadBlob const& content, Visit const& visit) const override;
 
  private:
   void show(std::shared_ptr<XmlTree> tree);

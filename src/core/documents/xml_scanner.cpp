@@ -37,13 +37,16 @@ class AttributeNames {
   void clear() {
     few_.clear();
     many_.clear();
+    kinds_ = 0;
   }
 
   /// False when the name is there already.
   bool add(std::string_view name) {
     if (few_.size() < kFew) {
-      bool const isNew = std::none_of(few_.begin(), few_.end(),
-                                      [&](std::string_view other) { return isSame(other, name); });
+      bool const isNew = isFirstOfKind(name) ||
+                         std::none_of(few_.begin(), few_.end(), [&](std::string_view other) {
+                           return xml_bytes::isSame(other, name);
+                         });
       few_.push_back(name);
       return isNew;
     }
@@ -56,27 +59,37 @@ class AttributeNames {
  private:
   static constexpr std::size_t kFew = 16;
 
-  /// Most names differ in their length or at an end. None is empty.
-  static bool isSame(std::string_view one, std::string_view other) {
-    return one.size() == other.size() && one.back() == other.back() &&
-           xml_bytes::isSame(one, other);
+  /// Whether no name so far has the length and the last character of this one: so most are known
+  /// to be new without a look at the others. None is empty.
+  bool isFirstOfKind(std::string_view name) {
+    std::size_t const kind = (name.size() * 5 + static_cast<unsigned char>(name.back())) % 64;
+    bool const isFirst = (kinds_ >> kind & 1U) == 0;
+    kinds_ |= std::uint64_t{1} << kind;
+    return isFirst;
   }
 
+  std::uint64_t kinds_ = 0;  // a bit for each
   std::vector<std::string_view> few_;
   std::unordered_set<std::string_view> many_;
 };
 
 class Scanner {
  public:
-  explicit Scanner(XmlTable& table) : text_(table.text()), table_(table) {}
+  /// `pieces`, where there is one, is handed the table piece by piece.
+  explicit Scanner(XmlTable& table, moxXMLPieces::Visit const* pieces = nullptr)
+      : text_(table.text()), table_(table), pieces_(pieces) {}
 
-  /// Whether there was nothing that only the parser judges.
+  /// Whether there was nothing that only the parser judges. Who takes pieces has no use for more
+  /// once there was.
   bool run() {
     checkCharacters();
     while (at_ < text_.size()) {
       checkText();
       if (at_ < text_.size()) {
         markup();
+      }
+      if (needsParser_ && pieces_ != nullptr) {
+        return false;
       }
     }
     if (!open_.empty()) {
@@ -269,10 +282,30 @@ class Scanner {
     hasRoot_ = true;
     auto const number = table_.open(start + 1, name.size(), open_.size() + 1);
     bool const closesItself = attributes(start);
+    if (open_.empty()) {
+      handOut(number);
+    }
     if (closesItself) {
-      table_.close(number, at_);
+      close(number);
     } else {
       open_.push_back({name, start, number});
+    }
+  }
+
+  /// An element with the end of its tags behind it.
+  void close(std::uint32_t number) {
+    table_.close(number, at_);
+    if (open_.size() == 1) {
+      handOut(number);
+    }
+  }
+
+  /// The root, or a child of the root.
+  void handOut(std::uint32_t number) {
+    if (pieces_ != nullptr) {
+      table_.finish();
+      (*pieces_)(table_, number);
+      table_.keepRoot();
     }
   }
 
@@ -358,8 +391,9 @@ class Scanner {
     if (!xml_bytes::isSame(open_.back().name, name)) {
       failMismatch(start, name);
     }
-    table_.close(open_.back().number, at_);
+    auto const number = open_.back().number;
     open_.pop_back();
+    close(number);
   }
 
   [[noreturn]] void failMismatch(std::size_t at, std::string_view name) const {
@@ -371,6 +405,7 @@ class Scanner {
 
   std::string_view text_;
   XmlTable& table_;
+  moxXMLPieces::Visit const* const pieces_;
   std::size_t at_ = 0;
   std::size_t parts_ = 0;
   bool hasRoot_ = false;
@@ -385,6 +420,11 @@ ScannedXml scanXml(std::string text) {
   auto table = std::make_shared<XmlTable>(std::move(text));
   bool const isEnough = Scanner(*table).run();
   return {std::move(table), !isEnough};
+}
+
+bool scanXmlPieces(std::string_view text, moxXMLPieces::Visit const& visit) {
+  auto const table = XmlTable::ofPieces(text);
+  return Scanner(*table, &visit).run();
 }
 
 }  // namespace mox::core

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "core/documents/xml_table.h"
 
@@ -28,5 +29,9 @@ struct ScannedXml {
 /// of a parser that is fast because it lets much of this pass, and notes what it found, so that who
 /// only reads needs no parser.
 ScannedXml scanXml(std::string text);
+
+/// The same for who takes the pieces: see moxXMLPieces. False as soon as there is what only the
+/// parser judges.
+bool scanXmlPieces(std::string_view text, moxXMLPieces::Visit const& visit);
 
 }  // namespace mox::core

@@ -77,11 +77,17 @@ std::vector<std::uint32_t> lineBreaksOf(std::string_view text) {
 }
 
 // Room for what documents hold: memory that is never written costs nothing.
-XmlTable::XmlTable(std::string text) : content_(std::move(text)) {
+XmlTable::XmlTable(std::string text) : owned_(std::move(text)), content_(owned_) {
   constexpr std::size_t kBytesAnElement = 64;
   constexpr std::size_t kBytesAnAttribute = 24;
   list_.reserve(content_.size() / kBytesAnElement + 2);
   attributeList_.reserve(content_.size() / kBytesAnAttribute + 1);
+}
+
+std::unique_ptr<XmlTable> XmlTable::ofPieces(std::string_view text) {
+  std::unique_ptr<XmlTable> table(new XmlTable());
+  table->content_ = text;
+  return table;
 }
 
 void XmlTable::decodeValue(Attribute& attribute, std::string_view value) {
@@ -121,10 +127,16 @@ void XmlTable::finish() {
   attributes_ = attributeList_.data();
 }
 
+void XmlTable::keepRoot() {
+  attributeList_.resize(list_[1].firstAttribute);
+  list_.resize(1);
+}
+
 std::shared_ptr<moxXMLNode> XmlTable::nodeOf(std::uint32_t number) const {
   auto const& element = list_[number];
   std::size_t const begin = element.nameAt - 1;  // with the "<"
-  auto tree = XmlTree::ofPart(content_.substr(begin, element.tagsEnd - begin), lineOf(number) - 1);
+  auto tree = XmlTree::ofPart(std::string(content_.substr(begin, element.tagsEnd - begin)),
+                              lineOf(number) - 1);
   auto const root = tree->root();
   return std::make_shared<XmlNode>(std::move(tree), root, static_cast<int>(element.depth));
 }

@@ -18,14 +18,20 @@ std::vector<std::uint32_t> lineBreaksOf(std::string_view text);
 class XmlTable final : public moxXMLTable {
  public:
   explicit XmlTable(std::string text);
+
+  /// A table that is to hold one piece of a text at a time. The text must outlive it.
+  static std::unique_ptr<XmlTable> ofPieces(std::string_view text);
+
   XmlTable(XmlTable const&) = delete;
   XmlTable& operator=(XmlTable const&) = delete;
 
   std::shared_ptr<moxXMLNode> nodeOf(std::uint32_t number) const override;
   int lineOf(std::uint32_t number) const override;
 
-  std::string const& text() const { return content_; }
-  std::string takeText() { return std::move(content_); }
+  std::string_view text() const { return content_; }
+
+  /// The text of a table that was given its own; the table is of no use behind it.
+  std::string takeText() { return std::move(owned_); }
 
   // For the scanner. Places are offsets in the text.
 
@@ -62,17 +68,22 @@ class XmlTable final : public moxXMLTable {
     list_[number].tagsEnd = static_cast<std::uint32_t>(tagsEnd);
   }
 
-  /// To be called once, behind the last one.
+  /// To be called behind the last one, and before anybody reads.
   void finish();
 
+  /// Forgets all but the root, its attributes and the texts ahead of the next element.
+  void keepRoot();
+
  private:
+  XmlTable() = default;
   void decodeValue(Attribute& attribute, std::string_view value);
 
   std::uint32_t offsetOf(std::string_view part) const {
     return static_cast<std::uint32_t>(part.data() - content_.data());
   }
 
-  std::string content_;
+  std::string owned_;  // empty for a text that somebody else holds
+  std::string_view content_;
   std::string values_;  // those that read otherwise than they stand
   std::vector<Element> list_;
   std::vector<Attribute> attributeList_;

@@ -45,7 +45,7 @@ std::shared_ptr<XmlTree> XmlTree::ofPart(std::string text, int linesAhead) {
 
 pugi::xml_node XmlTree::root() {
   if (table_) {
-    text_ = table_.use_count() == 1 ? table_->takeText() : table_->text();
+    text_ = table_.use_count() == 1 ? table_->takeText() : std::string(table_->text());
     table_.reset();
     parse();
   }

@@ -1,12 +1,11 @@
 #include "zyn/datasources/filter_elements.h"
 
-#include "mox/core/application.h"
-#include "mox/zyn/frame/plugin_entry.h"
+#include "zyn/frame/registered.h"
 #include "zyn/items/definition_error.h"
 
 std::shared_ptr<moxFilterSpecification> filter_elements::read(XmlElement const& element) {
   auto const name = element.name();
-  auto filter = moxApp->get<moxFilterSpecification>(name);
+  auto filter = registered<moxFilterSpecification>(name);
   if (!filter) {
     throw definitionError("Filtro inválido: " + name, element,
                           "the class of this name is no filter specification");

@@ -11,6 +11,7 @@
 
 #include "mox/core/xml.h"
 #include "mox/core/xml_table.h"
+#include "zyn/frame/cast_memory.h"
 
 /// An element that is only read, or none. It stands in the document's table where there is one,
 /// which costs no object and no call into the framework; elsewhere it is a node. Table or node must
@@ -48,12 +49,23 @@ class XmlElement {
     return table_ != nullptr ? std::string(find(name)) : node_->readAttribute(name);
   }
 
+  /// The same without a copy where there is a table; else it is put into `room`. Good as long as
+  /// both.
+  std::string_view attribute(std::string_view name, std::string& room) const {
+    return table_ != nullptr ? find(name) : room = node_->readAttribute(name);
+  }
+
   /// As moxXMLNode::readText.
   std::string text() const {
     if (table_ == nullptr) {
       return node_->readText();
     }
     return own().isMixed != 0 ? node()->readText() : std::string(table_->textOf(own()));
+  }
+
+  std::string_view text(std::string& room) const {
+    bool const isInOnePiece = table_ != nullptr && own().isMixed == 0;
+    return isInOnePiece ? table_->textOf(own()) : room = text();
   }
 
   /// The first child of the name, any one for an empty name.
@@ -170,7 +182,7 @@ class LoadedFromElement {
 /// Loads an object of whatever library.
 template <class T>
 bool loadFrom(T& object, XmlElement const& element) {
-  auto* const direct = element.isInTable() ? dynamic_cast<LoadedFromElement*>(&object) : nullptr;
+  auto* const direct = element.isInTable() ? castOf<LoadedFromElement>(&object) : nullptr;
   return direct != nullptr ? direct->loadElement(element) : object.load(element.node());
 }
 

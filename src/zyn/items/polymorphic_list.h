@@ -3,11 +3,10 @@
 #include <memory>
 #include <vector>
 
-#include "mox/core/application.h"
 #include "mox/core/error.h"
 #include "mox/core/xml.h"
-#include "mox/zyn/frame/plugin_entry.h"
 #include "mox/zyn/items/zyn_load_report.h"
+#include "zyn/frame/registered.h"
 #include "zyn/frame/xml_element.h"
 #include "zyn/items/definition_error.h"
 
@@ -36,7 +35,7 @@ enum class Reading { kTaken, kRefused, kUnknown };
 template <class T>
 Reading read(XmlElement const& element, std::shared_ptr<T>& item, std::string& reason) {
   try {
-    item = moxApp->get<T>(element.name());
+    item = registered<T>(element.name());
     return !item || loadFrom(*item, element) ? Reading::kTaken : Reading::kRefused;
   } catch (moxPluginNotFound const& error) {
     reason = error.errorMessage();
@@ -46,23 +45,30 @@ Reading read(XmlElement const& element, std::shared_ptr<T>& item, std::string& r
   }
 }
 
-/// Reads the element's children, whatever their names, and hands each object to `append`, an empty
-/// pointer for a class that is no `T`. An object that refuses its element ends the list. Gives the
-/// elements of unknown classes, which do no harm to the others.
+/// Reads one element of a list and hands its object to `append`, an empty pointer for a class that
+/// is no `T`; notes an element of an unknown class in `skipped`. False for an object that refuses
+/// its element, which ends the list.
+template <class T, class Append>
+bool loadOne(XmlElement const& element, Append const& append,
+             std::vector<moxZYNSkippedElement>& skipped) {
+  std::shared_ptr<T> item;
+  std::string reason;
+  Reading const reading = read(element, item, reason);
+  if (reading == Reading::kTaken) {
+    append(std::move(item));
+  } else if (reading == Reading::kUnknown) {
+    skipped.push_back({element.name(), element.line(), reason, {}, {}});
+  }
+  return reading != Reading::kRefused;
+}
+
+/// Reads the element's children, whatever their names, one by one. Gives the elements of unknown
+/// classes, which do no harm to the others.
 template <class T, class Append>
 std::vector<moxZYNSkippedElement> load(XmlElement const& list, Append const& append) {
   std::vector<moxZYNSkippedElement> skipped;
-  list.eachChild({}, [&](XmlElement const& element) {
-    std::shared_ptr<T> item;
-    std::string reason;
-    Reading const reading = read(element, item, reason);
-    if (reading == Reading::kTaken) {
-      append(std::move(item));
-    } else if (reading == Reading::kUnknown) {
-      skipped.push_back({element.name(), element.line(), reason, {}, {}});
-    }
-    return reading != Reading::kRefused;
-  });
+  list.eachChild({},
+                 [&](XmlElement const& element) { return loadOne<T>(element, append, skipped); });
   return skipped;
 }
 

@@ -1,8 +1,8 @@
 #include "zyn/items/zyn_collection.h"
 
-#include <typeinfo>
-
 #include "mox/core/xml.h"
+#include "mox/core/xml_table.h"
+#include "zyn/frame/cast_memory.h"
 #include "zyn/items/polymorphic_list.h"
 
 namespace {
@@ -31,30 +31,39 @@ bool zynCollection::unserialize(std::shared_ptr<moxXMLNode> node) {
   if (!node) {
     return false;
   }
-  withElementOf(*node, [this](XmlElement const& element) { read(element); });
+  CastMemory const casts;
+  withElementOf(*node, [this](XmlElement const& element) {
+    parentLibraryName_ = element.attribute(kLibrary);
+    element.eachChild({}, [this](XmlElement const& child) { return readItem(child); });
+  });
   return true;
 }
 
-/// Whether items of that class tell what they passed over.
-bool zynCollection::appendReport(moxZYNItem const& item) {
-  auto const* const report = dynamic_cast<moxZYNLoadReport const*>(&item);
-  if (report != nullptr) {
-    append(skipped_, report->skippedElements());
-  }
-  return report != nullptr;
+bool zynCollection::readPieces(moxXMLPieces const& reader, moxReadBlob const& document) {
+  CastMemory const casts;
+  bool goesOn = true;
+  return reader.readPieces(document, [&](moxXMLTable const& table, std::uint32_t number) {
+    XmlElement const element(table, number);
+    if (number == 0) {
+      parentLibraryName_ = element.attribute(kLibrary);
+    } else {
+      goesOn = goesOn && readItem(element);
+    }
+  });
 }
 
-void zynCollection::read(XmlElement const& element) {
-  parentLibraryName_ = element.attribute(kLibrary);
-  std::type_info const* silent = nullptr;  // class of the last one that reports nothing
-  append(skipped_,
-         polymorphic_list::load<moxZYNItem>(element, [&](std::shared_ptr<moxZYNItem> item) {
-           auto const* const object = item.get();
-           if (object != nullptr && (silent == nullptr || typeid(*object) != *silent)) {
-             silent = appendReport(*object) ? silent : &typeid(*object);
-           }
-           items_.append(std::move(item));
-         }));
+/// False when no further one is to be read.
+bool zynCollection::readItem(XmlElement const& element) {
+  return polymorphic_list::loadOne<moxZYNItem>(
+      element, [this](std::shared_ptr<moxZYNItem> item) { enter(std::move(item)); }, skipped_);
+}
+
+/// Items that passed over something tell it.
+void zynCollection::enter(std::shared_ptr<moxZYNItem> item) {
+  if (auto const* const report = castOf<moxZYNLoadReport const>(item.get())) {
+    append(skipped_, report->skippedElements());
+  }
+  items_.append(std::move(item));
 }
 
 std::shared_ptr<moxZYNItem> zynCollection::findItem(std::string const& description) const {

@@ -9,6 +9,8 @@
 #include "zyn/items/typed_collection.h"
 
 class XmlElement;
+class moxReadBlob;
+class moxXMLPieces;
 
 class zynCollection final : public moxZYNCollection, public moxZYNLoadReport {
  public:
@@ -25,12 +27,16 @@ class zynCollection final : public moxZYNCollection, public moxZYNLoadReport {
 
   std::vector<moxZYNSkippedElement> skippedElements() const override;
 
+  /// As unserialize, of the document that `reader` reads, item by item. False for a document that
+  /// cannot be read so; the collection is then of no use.
+  bool readPieces(moxXMLPieces const& reader, moxReadBlob const& document);
+
   /// The file that the elements came from, for the report.
   void setFile(std::string const& path) { file_ = path; }
 
  private:
-  void read(XmlElement const& element);
-  bool appendReport(moxZYNItem const& item);
+  bool readItem(XmlElement const& element);
+  void enter(std::shared_ptr<moxZYNItem> item);
 
   moxSortableTypedCollectionImplementation<moxZYNItem, zynCollection> items_;
   std::string parentLibraryName_;

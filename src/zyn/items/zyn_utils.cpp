@@ -12,6 +12,7 @@
 #include "mox/core/error_with_details.h"
 #include "mox/core/file_operations.h"
 #include "mox/core/xml.h"
+#include "mox/core/xml_table.h"
 #include "mox/zyn/format/generic_formatter.h"
 #include "mox/zyn/frame/plugin_entry.h"
 #include "mox/zyn/items/zyn_collection.h"
@@ -33,6 +34,21 @@ std::shared_ptr<moxCompress> compressor() {
 
 std::shared_ptr<moxXMLDocument> newDocument() {
   return moxApp->get<moxXMLDocument>("moxXMLDocument");
+}
+
+std::shared_ptr<moxZYNCollection> newCollection() {
+  return moxApp->get<moxZYNCollection>("moxZYNCollection");
+}
+
+/// Makes each item when its element was read, so that there is never a table of all of them. Empty
+/// where document, text or collection are of a kind that cannot do this.
+std::shared_ptr<moxZYNCollection> readInPieces(moxXMLDocument const& xml,
+                                               moxReadBlob const& document) {
+  auto const* const reader = dynamic_cast<moxXMLPieces const*>(&xml);
+  auto collection = newCollection();
+  auto* const own = dynamic_cast<zynCollection*>(collection.get());
+  bool const isRead = reader != nullptr && own != nullptr && own->readPieces(*reader, document);
+  return isRead ? std::move(collection) : nullptr;
 }
 
 bool tellsFile(moxError const& error, std::string const& path) {
@@ -193,15 +209,15 @@ std::shared_ptr<moxBlob> zynUtils::documentOf(moxReadBlob const& content,
   if (!defect.empty()) {
     throw FError(path, defect);
   }
-  auto const cursor = content.openRead();
-  std::array<char, binDataSignature.size()> header;
-  cursor->read(header.data(), header.size());
+  constexpr std::size_t kHeader = binDataSignature.size();
+  auto const squeezed = moxApp->get<moxAdapterBlob>("moxAdapterBlob");
+  squeezed->wrap(content.data() + kHeader, content.size() - kHeader, 0);
   try {
-    return compressor()->decompress(*cursor);
+    return compressor()->decompress(*squeezed);
   } catch (moxError const& error) {
     throw moxErrorWithDetails(
         error, {"file: " + path},
-        {"the compressed data begins at byte " + std::to_string(header.size()) + " of the file"});
+        {"the compressed data begins at byte " + std::to_string(kHeader) + " of the file"});
   }
 }
 
@@ -215,8 +231,11 @@ std::shared_ptr<moxBlob> zynUtils::fromBinFile(std::string const& path) {
 
 std::shared_ptr<moxZYNCollection> zynUtils::unserializeZYNC(moxReadBlob const& document) {
   auto const xml = newDocument();
+  if (auto collection = readInPieces(*xml, document)) {
+    return collection;
+  }
   xml->parse(document);
-  auto collection = moxApp->get<moxZYNCollection>("moxZYNCollection");
+  auto collection = newCollection();
   collection->unserialize(xml->root());
   return collection;
 }

@@ -7,11 +7,13 @@
 
 #include "mox/core/error.h"
 #include "mox/core/xml.h"
+#include "mox/core/xml_table.h"
 #include "mox/zyn/items/zyn_load_report.h"
 #include "unit/items/items_fixture.h"
+#include "zyn/items/zyn_collection.h"
 
-// A collection is read by its document's table while that has one, and by nodes elsewhere. Nobody
-// may see which it was.
+// A collection from a file is read piece by piece, one that somebody else's document holds by its
+// table while that has one, and by nodes elsewhere. Nobody may see which it was.
 
 namespace {
 
@@ -75,18 +77,15 @@ struct Outcome {
   std::vector<int> skippedLines;
 };
 
+enum class How { kByPieces, kByTable, kByNodes };
+
 class CollectionTable : public items_test::ItemsTest {
  protected:
-  Outcome read(std::string_view text, bool byNodes) {
-    auto const document = moxApp->get<moxXMLDocument>("moxXMLDocument");
-    document->loadText(text);
-    if (byNodes) {
-      EXPECT_NE(document->root()->childByIndex(0), nullptr);
-    }
+  Outcome read(std::string_view text, How how) {
     auto const collection = moxApp->get<moxZYNCollection>("moxZYNCollection");
     Outcome outcome;
     try {
-      collection->unserialize(document->root());
+      readInto(*collection, text, how);
     } catch (moxError const& error) {
       outcome.details = error.errorDetails();
       outcome.details.push_back(error.errorMessage());
@@ -101,18 +100,36 @@ class CollectionTable : public items_test::ItemsTest {
     return outcome;
   }
 
+  static void readInto(moxZYNCollection& collection, std::string_view text, How how) {
+    auto const document = moxApp->get<moxXMLDocument>("moxXMLDocument");
+    if (how == How::kByPieces) {
+      auto const blob = moxApp->get<moxBlob>("moxBlob");
+      blob->assign(text.data(), text.size());
+      auto const& reader = dynamic_cast<moxXMLPieces const&>(*document);
+      EXPECT_TRUE(dynamic_cast<zynCollection&>(collection).readPieces(reader, *blob));
+      return;
+    }
+    document->loadText(text);
+    if (how == How::kByNodes) {
+      EXPECT_EQ(document->root()->elementName(), "moxZYNCollection");  // makes the nodes
+    }
+    collection.unserialize(document->root());
+  }
+
   void expectSame(std::string_view text) {
-    auto const table = read(text, false);
-    auto const nodes = read(text, true);
-    EXPECT_EQ(table.text, nodes.text);
-    EXPECT_EQ(table.details, nodes.details);
-    EXPECT_EQ(table.skippedLines, nodes.skippedLines);
+    auto const nodes = read(text, How::kByNodes);
+    for (How const how : {How::kByPieces, How::kByTable}) {
+      auto const other = read(text, how);
+      EXPECT_EQ(other.text, nodes.text);
+      EXPECT_EQ(other.details, nodes.details);
+      EXPECT_EQ(other.skippedLines, nodes.skippedLines);
+    }
   }
 };
 
 TEST_F(CollectionTable, DefinitionsReadTheSameAsByNodes) {
   expectSame(kDefinitions);
-  auto const read = this->read(kDefinitions, false);
+  auto const read = this->read(kDefinitions, How::kByPieces);
   EXPECT_EQ(read.details, std::vector<std::string>());
   EXPECT_EQ(read.skippedLines, std::vector<int>({49}));
   EXPECT_NE(read.text.find("Os alunos"), std::string::npos);
@@ -130,7 +147,7 @@ TEST_F(CollectionTable, FailuresTellTheSamePlaceAsByNodes) {
   </moxSQLDataSource>
 </moxZYNCollection>)";
   expectSame(kWrong);
-  auto const details = read(kWrong, false).details;
+  auto const details = read(kWrong, How::kByPieces).details;
   ASSERT_EQ(details.size(), 4U);
   EXPECT_EQ(details.back(), "Ordem By com coluna inválida");
   EXPECT_EQ(details[0], "item: moxSQLDataSource, line 3, name \"Errada\"");
@@ -142,7 +159,13 @@ TEST_F(CollectionTable, AnItemThatRefusesEndsTheListAsByNodes) {
       "<moxZYNCollection><moxTestItem name='a'/><moxTestItem refuse='1'/><moxTestItem name='b'/>"
       "</moxZYNCollection>";
   expectSame(kRefused);
-  EXPECT_EQ(read(kRefused, false).text.find("name=\"b\""), std::string::npos);
+  EXPECT_EQ(read(kRefused, How::kByPieces).text.find("name=\"b\""), std::string::npos);
+}
+
+TEST_F(CollectionTable, ACollectionWithoutItemsKeepsItsLibrary) {
+  expectSame("<moxZYNCollection parentLibraryName='L'><!-- none --></moxZYNCollection>");
+  auto const read = this->read("<moxZYNCollection parentLibraryName='L'/>", How::kByPieces);
+  EXPECT_EQ(read.text, "<moxZYNCollection parentLibraryName=\"L\"/>\n");
 }
 
 }  // namespace
