@@ -19,7 +19,7 @@ ColumnList::OwnColumn ColumnList::append() {
   return columns_.emplace_back(std::make_shared<SQLDataSourceColumn>());
 }
 
-void ColumnList::load(XmlElement const& node, char const* element) {
+void ColumnList::load(XmlElement const& node, std::string_view element) {
   constexpr std::size_t kUsual = 8;
   columns_.reserve(columns_.size() + kUsual);
   node.eachChild(element, [this](XmlElement const& child) { append()->loadElement(child); });
@@ -28,7 +28,7 @@ void ColumnList::load(XmlElement const& node, char const* element) {
   }
 }
 
-void ColumnList::save(moxXMLNode& node, char const* element) const {
+void ColumnList::save(moxXMLNode& node, std::string_view element) const {
   for (auto const& column : columns_) {
     column->save(node.addChild(element));
   }
@@ -94,10 +94,9 @@ std::vector<moxDataSourceColumnType> ColumnList::namesAndTypes() const {
 std::string ColumnList::selectList() const {
   std::string list;
   for (auto const& column : columns_) {
-    auto const& [expression, alias] = column->sqlColumn();
-    list += expression;
-    if (!alias.empty()) {
-      list += " as " + alias;
+    list += column->expression();
+    if (!column->alias().empty()) {
+      list.append(" as ").append(column->alias());
     }
     list += ',';
   }
@@ -110,7 +109,7 @@ std::string ColumnList::selectList() const {
 std::vector<std::pair<std::string, std::string>> ColumnList::expressionsByIndex() const {
   std::map<int, std::pair<std::string, std::string>> byIndex;
   for (auto const& column : columns_) {
-    byIndex[column->getSQLColumnIndex()] = column->sqlColumn();
+    byIndex[column->getSQLColumnIndex()] = column->getSQLColumn();
   }
   std::vector<std::pair<std::string, std::string>> result;
   result.reserve(byIndex.size());

@@ -32,11 +32,11 @@ class ColumnList {
 
   /// Reads a column from each of the node's children of that name, behind those that are there, and
   /// binds what they refer to: references may point forward.
-  void load(XmlElement const& node, char const* element);
-  void load(moxXMLNode const& node, char const* element) { load(XmlElement(node), element); }
+  void load(XmlElement const& node, std::string_view element);
+  void load(moxXMLNode const& node, std::string_view element) { load(XmlElement(node), element); }
 
   /// Writes a child of that name for each column.
-  void save(moxXMLNode& node, char const* element) const;
+  void save(moxXMLNode& node, std::string_view element) const;
 
   /// The same as append, begun from a field of a query; from none for null.
   OwnColumn create(FieldInfo const* info);

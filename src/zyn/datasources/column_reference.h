@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <string_view>
 
 #include "mox/core/xml.h"
 #include "mox/zyn/datasources/sql_data_source_column.h"
@@ -13,7 +14,7 @@ namespace column_reference {
 using Names = moxSQLDataSourceColumn::SQLColum;
 
 struct Attribute {
-  char const* name;
+  std::string_view name;
   std::string Names::*field;
 };
 

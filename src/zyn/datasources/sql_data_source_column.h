@@ -9,6 +9,7 @@
 #include "mox/core/database_connection.h"
 #include "mox/zyn/datasources/sql_data_source_column.h"
 #include "zyn/frame/xml_element.h"
+#include "zyn/items/packed_texts.h"
 
 /// The column of SQL sources and of filter sources, which make it themselves.
 class SQLDataSourceColumn final : public moxSQLDataSourceColumn, public LoadedFromElement {
@@ -20,50 +21,58 @@ class SQLDataSourceColumn final : public moxSQLDataSourceColumn, public LoadedFr
 
   std::string name() const override { return "moxSQLDataSourceColumn"; }
 
-  void setVisibleName(std::string const& visibleName) override { visibleName_ = visibleName; }
+  void setVisibleName(std::string const& visibleName) override {
+    texts_.set(kVisibleName, visibleName);
+  }
   void setWidth(int width) override { width_ = width; }
   void setVisible(bool visible) override { visible_ = visible; }
-  void setIconColumn(Column column) override { iconColumn_ = std::move(column); }
-  std::string getVisibleName() const override { return visibleName_; }
+  void setIconColumn(Column column) override { extras().iconColumn = std::move(column); }
+  std::string getVisibleName() const override { return textOf(kVisibleName); }
   int getWidth() const override { return width_; }
   bool getVisible() const override { return visible_; }
-  Column getIconColumn() const override { return iconColumn_; }
+  Column getIconColumn() const override { return extras_ ? extras_->iconColumn : nullptr; }
   FieldTypes getDbType() const override { return dbType_; }
   void setDbType(FieldTypes type) override { dbType_ = type; }
   void setFormatter(Formatter formatter) override { formatter_ = std::move(formatter); }
-  void setIconFormatter(Formatter formatter) override { iconFormatter_ = std::move(formatter); }
+  void setIconFormatter(Formatter formatter) override {
+    extras().iconFormatter = std::move(formatter);
+  }
   Formatter getFormatter() override { return formatter_; }
-  Formatter getIconFormatter() override { return iconFormatter_; }
+  Formatter getIconFormatter() override { return iconFormatter(); }
   std::shared_ptr<moxGenericFormatter const> getFormatter() const override { return formatter_; }
   std::shared_ptr<moxGenericFormatter const> getIconFormatter() const override {
-    return iconFormatter_;
+    return iconFormatter();
   }
   bool save(std::shared_ptr<moxXMLNode> node) override;
   bool load(std::shared_ptr<moxXMLNode> node) override;
   bool loadElement(XmlElement const& element) override;
-  void setDataType(std::string const& dataType) override { dataType_ = dataType; }
-  std::string getDataType() const override { return dataType_; }
-  void setIdColumn(Column column) override { idColumn_ = std::move(column); }
-  Column getIdColumn() const override { return idColumn_; }
-  std::string getTableName() const override { return names_.tableName; }
-  std::string getTableNameOrigin() const override { return names_.tableNameOrigin; }
-  std::string getColumnName() const override { return names_.columnName; }
-  std::string getColumnNameOrigin() const override { return names_.columnNameOrigin; }
-  void setTableName(std::string const& tableName) override { names_.tableName = tableName; }
-  void setColumnName(std::string const& columnName) override { names_.columnName = columnName; }
+  void setDataType(std::string const& dataType) override { texts_.set(kDataType, dataType); }
+  std::string getDataType() const override { return textOf(kDataType); }
+  void setIdColumn(Column column) override { extras().idColumn = std::move(column); }
+  Column getIdColumn() const override { return extras_ ? extras_->idColumn : nullptr; }
+  std::string getTableName() const override { return textOf(kTable); }
+  std::string getTableNameOrigin() const override { return textOf(kTableOrigin); }
+  std::string getColumnName() const override { return textOf(kColumn); }
+  std::string getColumnNameOrigin() const override { return textOf(kColumnOrigin); }
+  void setTableName(std::string const& tableName) override { texts_.set(kTable, tableName); }
+  void setColumnName(std::string const& columnName) override { texts_.set(kColumn, columnName); }
   std::string getColumnNameFull() const override;
   moxDataMatrixTypes::Types getDataMatrixType() const override;
   void addAllowedFiltersType(StringPair const& filter) override;
-  std::vector<StringPair> getAllowedFiltersType() const override { return allowedFiltersType_; }
-  void removeAllowedFiltersType(StringPair const& filter) override;
-  StringPair getSQLColumn() const override { return sqlColumn_; }
-  int getSQLColumnIndex() const override { return sqlColumnIndex_; }
-  void setSQLColumn(StringPair const& expressionAndAlias) override {
-    sqlColumn_ = expressionAndAlias;
+  std::vector<StringPair> getAllowedFiltersType() const override {
+    return extras_ ? extras_->allowedFiltersType : std::vector<StringPair>();
   }
+  void removeAllowedFiltersType(StringPair const& filter) override;
+  StringPair getSQLColumn() const override { return {textOf(kExpression), textOf(kAlias)}; }
+  int getSQLColumnIndex() const override { return sqlColumnIndex_; }
+  void setSQLColumn(StringPair const& expressionAndAlias) override;
   void setSQLColumnIndex(int index) override { sqlColumnIndex_ = index; }
-  void setColumnOrigin(std::vector<SQLColum> const& origin) override { columnOrigin_ = origin; }
-  std::vector<SQLColum> getColumnOrigin() const override { return columnOrigin_; }
+  void setColumnOrigin(std::vector<SQLColum> const& origin) override {
+    extras().columnOrigin = origin;
+  }
+  std::vector<SQLColum> getColumnOrigin() const override {
+    return extras_ ? extras_->columnOrigin : std::vector<SQLColum>();
+  }
   void setAvaliable(bool avaliable) override { avaliable_ = avaliable; }
   bool getAvaliable() const override { return avaliable_; }
 
@@ -90,12 +99,36 @@ class SQLDataSourceColumn final : public moxSQLDataSourceColumn, public LoadedFr
 
   /// The names without a copy, for loops over many columns.
   bool isCalled(std::string_view table, std::string_view column) const {
-    return names_.columnName == column && names_.tableName == table;
+    return columnName() == column && texts_[kTable] == table;
   }
-  std::string const& columnName() const { return names_.columnName; }
-  StringPair const& sqlColumn() const { return sqlColumn_; }
+  std::string_view columnName() const { return texts_[kColumn]; }
+  std::string_view expression() const { return texts_[kExpression]; }
+  std::string_view alias() const { return texts_[kAlias]; }
 
  private:
+  /// Places in texts_.
+  enum Text : std::size_t {
+    kTable,
+    kTableOrigin,
+    kColumn,
+    kColumnOrigin,
+    kVisibleName,
+    kDataType,
+    kExpression,
+    kAlias,
+    kTextCount,
+  };
+  using Texts = PackedTexts<kTextCount>;
+
+  /// What few columns have.
+  struct Extras {
+    std::vector<StringPair> allowedFiltersType;
+    Column idColumn;
+    Column iconColumn;
+    Formatter iconFormatter;
+    std::vector<SQLColum> columnOrigin;
+  };
+
   /// The names of a column that may come later in the document.
   struct Reference {
     std::string table;
@@ -113,22 +146,26 @@ class SQLDataSourceColumn final : public moxSQLDataSourceColumn, public LoadedFr
     Reference key;
   };
 
-  static Reference readReference(XmlElement const& node, char const* element);
+  static Reference readReference(XmlElement const& node, std::string_view element);
   template <class ColumnPointer>
   void bindReferences(ColumnPointer const& column) {
     if (references_->icon.names(*column)) {
-      iconColumn_ = column;
+      extras().iconColumn = column;
     }
     if (references_->key.names(*column)) {
-      idColumn_ = column;
+      extras().idColumn = column;
     }
   }
 
+  std::string textOf(Text text) const { return std::string(texts_[text]); }
+  Formatter iconFormatter() const { return extras_ ? extras_->iconFormatter : nullptr; }
+  Extras& extras();
+
+  void loadTexts(XmlElement const& node);
   void loadAttributes(XmlElement const& node);
   void loadReferences(XmlElement const& node);
   void loadFormatters(XmlElement const& node);
   void loadFiltersType(XmlElement const& node);
-  void loadExpression(XmlElement const& node);
   void saveAttributes(moxXMLNode& node) const;
   void saveFormatters(moxXMLNode& node) const;
   void saveFiltersType(moxXMLNode& node) const;
@@ -139,15 +176,8 @@ class SQLDataSourceColumn final : public moxSQLDataSourceColumn, public LoadedFr
   int width_ = 0;
   FieldTypes dbType_ = kUnknown;
   int sqlColumnIndex_ = 0;
-  std::string visibleName_;
-  std::string dataType_;
-  SQLColum names_;
+  Texts texts_;
   std::unique_ptr<References> references_;  // from load until updateRelations, where there are any
-  std::vector<StringPair> allowedFiltersType_;
-  Column idColumn_;
-  Column iconColumn_;
   Formatter formatter_;
-  Formatter iconFormatter_;
-  StringPair sqlColumn_;
-  std::vector<SQLColum> columnOrigin_;
+  std::unique_ptr<Extras> extras_;  // made when the first of them is set
 };

@@ -1,6 +1,7 @@
 #include "zyn/datasources/sql_data_source_xml.h"
 
 #include <array>
+#include <string_view>
 
 #include "mox/core/application.h"
 #include "mox/core/xml.h"
@@ -19,12 +20,12 @@ namespace {
 using Column = moxSQLDataSource::Column;
 using Element = std::shared_ptr<moxXMLNode>;
 
-constexpr char const* kColumn = "Column";  // an element with all that is known of a column
-constexpr char const* kUnit = "unidadeColumn";
-constexpr char const* kAllowNull = "allownull";
+constexpr std::string_view kColumn = "Column";  // an element with all that is known of a column
+constexpr std::string_view kUnit = "unidadeColumn";
+constexpr std::string_view kAllowNull = "allownull";
 
 struct Piece {
-  char const* element;
+  std::string_view element;
   std::string (moxSQLDataSource::*get)() const;
   void (moxSQLDataSource::*set)(std::string const&);
 };
@@ -51,7 +52,7 @@ void setUnitColumn(SQLDataSource& source, Column column) {
 }
 
 struct Role {
-  char const* element;
+  std::string_view element;
   Column (*get)(SQLDataSource const&);
   void (*set)(SQLDataSource&, Column);
 };
@@ -96,7 +97,7 @@ std::string adviceOnColumn(SQLDataSource const& source, std::string const& table
   }
   for (std::size_t i = 0; i < columns.size() && i < kListed; ++i) {
     advice +=
-        (i == 0 ? "" : ", ") + displayed(columns[i]->getTableName(), columns[i]->columnName());
+        (i == 0 ? "" : ", ") + displayed(columns[i]->getTableName(), columns[i]->getColumnName());
   }
   return columns.size() > kListed ? advice + ", ..." : advice;
 }
