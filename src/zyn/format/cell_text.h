@@ -29,6 +29,11 @@ class CellText {
     return text;
   }
 
+  std::shared_ptr<moxDataMatrixColumn> const& column() const { return column_; }
+
+  /// Empty where all cells are.
+  std::shared_ptr<moxGenericFormatter const> const& formatter() const { return formatter_; }
+
  private:
   /// Any column and any formatter: a cursor is moved to the row.
   struct ByCursor {

@@ -24,6 +24,9 @@ class DateFormatter final : public PropertyFormatter<moxDateAsString> {
   void appendTo(std::string& out, datetime_t const& moment) const { append(out, moment); }
   void appendTo(std::string& out, date_t const& date) const { append(out, date); }
 
+  /// What stands between prefix and suffix.
+  DateMask const& compiledMask() const { return compiled_; }
+
  private:
   void moreSettings(SettingVisitor const& visitor) override;
 

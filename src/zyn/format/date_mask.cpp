@@ -136,7 +136,7 @@ void DateMask::addDate(Part first, char separator, Part second, Part third) {
                                  {third, '\0'}});
 }
 
-char* DateMask::put(char* end, Piece piece, Civil const& civil) {
+char* DateMask::putPiece(char* end, Piece piece, Civil const& civil) {
   switch (piece.part) {
     case Part::kByte:
       *end = piece.byte;
@@ -169,11 +169,20 @@ void DateMask::appendByHand(std::string& out, Civil const& civil) const {
     return;
   }
   std::array<char, kTextLimit> text;
-  char* end = text.data();
-  for (Piece const piece : pieces_) {
-    end = put(end, piece, civil);
-  }
+  putAll(text.data(), civil);
   out.append(text.data(), length_);
+}
+
+char* DateMask::putAll(char* place, Civil const& civil) const {
+  for (Piece const piece : pieces_) {
+    place = putPiece(place, piece, civil);
+  }
+  return place;
+}
+
+char* DateMask::put(char* place, datetime_t const& moment) const {
+  Civil const civil(moment.asTime_t());
+  return isByHand(civil) ? putAll(place, civil) : nullptr;
 }
 
 void DateMask::appendByLibrary(std::string& out, std::tm const& parts) const {

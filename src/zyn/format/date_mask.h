@@ -25,6 +25,14 @@ class DateMask {
   /// The same for a day, at midnight.
   void appendTo(std::string& out, date_t const& day) const;
 
+  /// The length of all texts that are written by hand; 0 when the mask needs the library, or gives
+  /// nothing.
+  std::size_t fixedLength() const { return needsLibrary_ || length_ >= kTextLimit ? 0 : length_; }
+
+  /// Writes a text of fixedLength(), which is not 0, from `place` on; gives its end. Empty, with
+  /// nothing written, for a year that only the library writes. Precondition: not the empty moment.
+  char* put(char* place, datetime_t const& moment) const;
+
  private:
   enum class Part : char { kByte, kDay, kMonth, kYear, kShortYear, kHour, kMinute, kSecond };
   struct Piece {
@@ -33,7 +41,8 @@ class DateMask {
   };
   struct Civil;
 
-  static char* put(char* end, Piece piece, Civil const& civil);
+  static char* putPiece(char* end, Piece piece, Civil const& civil);
+  char* putAll(char* place, Civil const& civil) const;
   bool takeConversion(char conversion);
   void addByte(char byte) { pieces_.push_back({Part::kByte, byte}); }
   void addDate(Part first, char separator, Part second, Part third);

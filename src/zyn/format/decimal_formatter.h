@@ -44,11 +44,13 @@ class DecimalFormatter final : public moxDecimalAsString, public LoadedFromEleme
   void appendTo(std::string& out, double value) const;
   void appendTo(std::string& out, long double value) const;
 
+  /// What stands between prefix and suffix, unless decimals may be left out.
+  NumberLayout layout() const;
+
  private:
   template <class Float>
   void append(std::string& out, Float value) const;
   void shrink(std::string& out, std::size_t from) const;
-  NumberLayout layout() const;
 
   NumberSettings settings_;
   char decimalSeparator_ = '.';

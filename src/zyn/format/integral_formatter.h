@@ -37,9 +37,10 @@ class IntegralFormatter final : public moxIntegralAsString, public LoadedFromEle
   /// Appends what asString gives.
   void appendTo(std::string& out, long long value) const;
 
- private:
+  /// What stands between prefix and suffix.
   NumberLayout layout() const;
 
+ private:
   NumberSettings settings_;
   mutable SeparatorSnapshot snapshot_;
 };

@@ -11,8 +11,10 @@
 
 namespace {
 
-// 20 digits with a separator each, the decimal separator, 18 decimals and the sign fit.
-constexpr std::size_t kSmallNumber = 64;
+// 20 digits with a separator between any two, the decimal separator, 18 decimals and the sign fit,
+// and three bytes behind them.
+static_assert(kNumberRoom >= 20 + 19 + 1 + 18 + 1 + 3);
+
 constexpr unsigned int kMaxFastPrecision = 18;
 constexpr double kTwoTo63 = 9223372036854775808.0;
 constexpr double kTwoTo64 = 18446744073709551616.0;
@@ -20,13 +22,17 @@ constexpr double kSmallestFastFraction = 0x1p-11;
 
 __extension__ using Wide = unsigned __int128;
 
-constexpr auto kDigitPairs = [] {
-  std::array<char, 200> pairs{};
-  for (std::size_t i = 0; i < 100; ++i) {
-    pairs[2 * i] = static_cast<char>('0' + i / 10);
-    pairs[2 * i + 1] = static_cast<char>('0' + i % 10);
+/// "000" to "999", behind each the number of its digits as a byte: 4 KiB, which stay in the nearest
+/// cache.
+constexpr auto kThreeDigits = [] {
+  std::array<char, 4000> digits{};
+  for (std::size_t i = 0; i < 1000; ++i) {
+    digits[4 * i] = static_cast<char>('0' + i / 100);
+    digits[4 * i + 1] = static_cast<char>('0' + i / 10 % 10);
+    digits[4 * i + 2] = static_cast<char>('0' + i % 10);
+    digits[4 * i + 3] = static_cast<char>(i < 10 ? 1 : i < 100 ? 2 : 3);
   }
-  return pairs;
+  return digits;
 }();
 
 constexpr auto kPowersOfTen = [] {
@@ -39,38 +45,44 @@ constexpr auto kPowersOfTen = [] {
   return powers;
 }();
 
-// Numbers are written from their last byte to the first; each function gives the new first byte.
+// Numbers are written where they will stand: put together elsewhere and then copied, the copy would
+// wait for the pieces. Each function gives the new end, and may write three bytes beyond it.
 
-char* putPairBefore(char* first, std::uint64_t pair) {
-  first -= 2;
-  std::memcpy(first, &kDigitPairs[2 * pair], 2);
-  return first;
+/// The last `count` digits, at most three, of a number below 1000.
+char* putLast(char* place, std::uint64_t value, unsigned int count) {
+  std::memcpy(place, &kThreeDigits[4 * value + 3 - count], 4);
+  return place + count;
 }
 
-char* putDigitsBefore(char* first, std::uint64_t value) {
-  while (value >= 100) {
-    first = putPairBefore(first, value % 100);
-    value /= 100;
-  }
-  if (value >= 10) {
-    return putPairBefore(first, value);
-  }
-  *--first = static_cast<char>('0' + value);
-  return first;
+/// A number below 1000 without zeros before it. How many digits there are is looked up, as the
+/// processor would guess wrong too often.
+char* putFirst(char* place, std::uint64_t value) {
+  return putLast(place, value, static_cast<unsigned char>(kThreeDigits[4 * value + 3]));
 }
 
-char* putThousandsBefore(char* first, std::uint64_t value, char separator) {
-  while (value >= 1000) {
-    std::uint64_t const group = value % 1000;
-    value /= 1000;
-    first = putPairBefore(first, group % 100);
-    *--first = static_cast<char>('0' + group / 100);
-    *--first = separator;
+char* putDigits(char* place, std::uint64_t value) {
+  if (value < 1000) {
+    return putFirst(place, value);
   }
-  return putDigitsBefore(first, value);
+  place = value < 1'000'000 ? putFirst(place, value / 1000) : putDigits(place, value / 1000);
+  return putLast(place, value % 1000, 3);
 }
 
-char* putGroupsBefore(char* first, std::uint64_t value, NumberLayout const& layout) {
+char* putThousands(char* place, std::uint64_t value, char separator) {
+  if (value < 1000) {
+    return putFirst(place, value);
+  }
+  place = value < 1'000'000 ? putFirst(place, value / 1000)
+                            : putThousands(place, value / 1000, separator);
+  *place++ = separator;
+  return putLast(place, value % 1000, 3);
+}
+
+/// Groups of any size are rare, and written from their last byte to the first.
+char* putGroups(char* place, std::uint64_t value, NumberLayout const& layout) {
+  std::array<char, kNumberRoom> buffer;
+  char* const end = buffer.data() + buffer.size();
+  char* first = end;
   for (unsigned int inGroup = 0; value >= 10; value /= 10) {
     *--first = static_cast<char>('0' + value % 10);
     if (++inGroup == layout.groupSize) {
@@ -79,26 +91,23 @@ char* putGroupsBefore(char* first, std::uint64_t value, NumberLayout const& layo
     }
   }
   *--first = static_cast<char>('0' + value);
-  return first;
+  return std::copy(first, end, place);
 }
 
-char* putWholeBefore(char* first, std::uint64_t value, NumberLayout const& layout) {
+char* putWhole(char* place, std::uint64_t value, NumberLayout const& layout) {
   if (layout.groupSize == 0) {
-    return putDigitsBefore(first, value);
+    return putDigits(place, value);
   }
-  return layout.groupSize == 3 ? putThousandsBefore(first, value, layout.groupSeparator)
-                               : putGroupsBefore(first, value, layout);
+  return layout.groupSize == 3 ? putThousands(place, value, layout.groupSeparator)
+                               : putGroups(place, value, layout);
 }
 
-char* putDecimalsBefore(char* first, std::uint64_t decimals, unsigned int count) {
-  for (; count >= 2; count -= 2) {
-    first = putPairBefore(first, decimals % 100);
-    decimals /= 100;
+char* putDecimals(char* place, std::uint64_t decimals, unsigned int count) {
+  if (count <= 3) {
+    return putLast(place, decimals, count);
   }
-  if (count != 0) {
-    *--first = static_cast<char>('0' + decimals);
-  }
-  return first;
+  place = putDecimals(place, decimals / 1000, count - 3);
+  return putLast(place, decimals % 1000, 3);
 }
 
 void appendPadded(std::string& out, std::string_view number, NumberLayout const& layout) {
@@ -114,10 +123,31 @@ struct FixedPoint {
   std::uint64_t decimals;
 };
 
+constexpr unsigned int kCents = 2;
+constexpr double kMostCents = 0x1p36;
+
+/// Two decimals are what amounts have. The product is off by 2^-17 at most, so that it tells the
+/// nearest number of cents wherever it is not about half way between two. False where it is.
+bool toCents(double magnitude, FixedPoint& number) {
+  double const scaled = magnitude * 100;
+  if (!(scaled < kMostCents)) {
+    return false;
+  }
+  auto const cents = static_cast<std::int64_t>(scaled + 0.5);
+  if (std::fabs(scaled - static_cast<double>(cents)) > 0.499) {
+    return false;
+  }
+  number = {static_cast<std::uint64_t>(cents) / 100, static_cast<std::uint64_t>(cents) % 100};
+  return true;
+}
+
 // The fraction is taken as a multiple of 2^-64, which holds it exactly because the caller lets no
 // smaller numbers in; times the power of ten it is the decimals above and the exact rest below the
 // 64th bit, so that rounding needs no guess.
 FixedPoint toFixedPoint(double magnitude, unsigned int precision) {
+  if (FixedPoint cents{}; precision == kCents && toCents(magnitude, cents)) {
+    return cents;
+  }
   auto whole = static_cast<std::uint64_t>(static_cast<std::int64_t>(magnitude));
   double const fraction = magnitude - static_cast<double>(static_cast<std::int64_t>(whole));
   Wide const scaled =
@@ -141,20 +171,16 @@ bool isFast(double magnitude, unsigned int precision) {
          (magnitude >= kSmallestFastFraction || magnitude == 0);
 }
 
-void appendFixedPoint(std::string& out, FixedPoint number, bool isNegative,
-                      NumberLayout const& layout) {
-  std::array<char, kSmallNumber> buffer;
-  char* const end = buffer.data() + buffer.size();
-  char* first = end;
-  if (layout.precision != 0) {
-    first = putDecimalsBefore(first, number.decimals, layout.precision);
-    *--first = layout.decimalSeparator;
-  }
-  first = putWholeBefore(first, number.whole, layout);
+char* putFixedPoint(char* place, FixedPoint number, bool isNegative, NumberLayout const& layout) {
   if (isNegative) {
-    *--first = '-';
+    *place++ = '-';
   }
-  appendPadded(out, {first, static_cast<std::size_t>(end - first)}, layout);
+  place = putWhole(place, number.whole, layout);
+  if (layout.precision != 0) {
+    *place++ = layout.decimalSeparator;
+    place = putDecimals(place, number.decimals, layout.precision);
+  }
+  return place;
 }
 
 void appendGrouped(std::string& out, std::string_view digits, NumberLayout const& layout) {
@@ -201,21 +227,32 @@ NumberLayout withinBounds(NumberLayout layout) {
 
 }  // namespace
 
-void appendInteger(std::string& out, long long value, NumberLayout const& layout) {
+char* putInteger(char* place, long long value, NumberLayout const& layout) {
   auto const bits = static_cast<std::uint64_t>(value);
-  std::array<char, kSmallNumber> buffer;
-  char* const end = buffer.data() + buffer.size();
-  char* first = putWholeBefore(end, value < 0 ? 0 - bits : bits, layout);
   if (value < 0) {
-    *--first = '-';
+    *place++ = '-';
   }
-  appendPadded(out, {first, static_cast<std::size_t>(end - first)}, layout);
+  return putWhole(place, value < 0 ? 0 - bits : bits, layout);
+}
+
+char* putDecimal(char* place, double value, NumberLayout const& layout) {
+  double const magnitude = std::fabs(value);
+  return isFast(magnitude, layout.precision)
+             ? putFixedPoint(place, toFixedPoint(magnitude, layout.precision), std::signbit(value),
+                             layout)
+             : nullptr;
+}
+
+void appendInteger(std::string& out, long long value, NumberLayout const& layout) {
+  std::array<char, kNumberRoom> buffer;
+  char const* const end = putInteger(buffer.data(), value, layout);
+  appendPadded(out, {buffer.data(), static_cast<std::size_t>(end - buffer.data())}, layout);
 }
 
 void appendDecimal(std::string& out, double value, NumberLayout const& layout) {
-  double const magnitude = std::fabs(value);
-  if (isFast(magnitude, layout.precision)) {
-    appendFixedPoint(out, toFixedPoint(magnitude, layout.precision), std::signbit(value), layout);
+  std::array<char, kNumberRoom> buffer;
+  if (char const* const end = putDecimal(buffer.data(), value, layout)) {
+    appendPadded(out, {buffer.data(), static_cast<std::size_t>(end - buffer.data())}, layout);
   } else {
     appendThroughLibrary(out, value, withinBounds(layout));
   }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 
 /// How a number is laid out. A plain value: copied freely, read by any thread.
@@ -27,3 +28,12 @@ void appendInteger(std::string& out, long long value, NumberLayout const& layout
 /// what printf gives, then grouped. "inf" and "nan" have their sign, no groups and no decimals.
 void appendDecimal(std::string& out, double value, NumberLayout const& layout);
 void appendDecimal(std::string& out, long double value, NumberLayout const& layout);
+
+/// The same without a string, for whoever writes many: written from `place` on, where there must be
+/// room for kNumberRoom bytes; gives the end of the text. Bytes behind it may be overwritten.
+/// The layout has no width.
+constexpr std::size_t kNumberRoom = 64;
+char* putInteger(char* place, long long value, NumberLayout const& layout);
+
+/// Likewise; empty, with nothing written, for numbers that take more room or more care.
+char* putDecimal(char* place, double value, NumberLayout const& layout);

@@ -11,6 +11,7 @@
 #include "mox/zyn/matrix/aggregation_function.h"
 #include "mox/zyn/matrix/data_matrix_aggregator.h"
 #include "zyn/matrix/data_matrix_columns.h"
+#include "zyn/operations/direct_aggregation.h"
 #include "zyn/operations/operation_errors.h"
 #include "zyn/operations/pivot_combinations.h"
 #include "zyn/operations/row_grouping.h"
@@ -155,20 +156,35 @@ void DataMatrixPivoting::addCells(moxDataMatrix& source, KeyGroups const& groups
 std::shared_ptr<moxDataMatrix> DataMatrixPivoting::aggregated(
     std::shared_ptr<moxDataMatrix> const& matrix) const {
   auto const aggregator = moxApp->get<moxDataMatrixAggregator>("moxDataMatrixAggregator");
-  for (auto const& row : rows_) {
-    aggregator->pushIndexColumn(row.columnName);
+  auto const keys = keyNames();
+  for (auto const& key : keys) {
+    aggregator->pushIndexColumn(key);
   }
-  for (auto const& column : columns_) {
-    aggregator->pushIndexColumn(column.columnName);
-  }
+  std::vector<std::shared_ptr<moxCommonAggregationFunction>> functions;
   for (auto const& cell : cells_) {
-    auto const function = functionOf(cell.aggregation);
+    auto const& function = functions.emplace_back(functionOf(cell.aggregation));
     function->setSourceColumn(cell.columnName);
     function->setTargetColumn(cell.columnName);
     aggregator->addFunction(function);
   }
   checkColumns(*matrix);
-  return aggregator->aggregate(matrix, false, "");
+  auto direct = aggregatedDirectly(*matrix, keys, functions);
+  return direct ? direct : aggregator->aggregate(matrix, false, "");
+}
+
+/// Rows and columns, each name once.
+std::vector<std::string> DataMatrixPivoting::keyNames() const {
+  std::vector<std::string> names;
+  auto const add = [&](auto const& list) {
+    for (auto const& each : list) {
+      if (std::find(names.begin(), names.end(), each.columnName) == names.end()) {
+        names.push_back(each.columnName);
+      }
+    }
+  };
+  add(rows_);
+  add(columns_);
+  return names;
 }
 
 /// Rows, columns and cells must be there, and are told in this order.

@@ -29,6 +29,7 @@ class DataMatrixPivoting final : public virtual moxDataMatrixPivoting {
 
  private:
   std::shared_ptr<moxDataMatrix> aggregated(std::shared_ptr<moxDataMatrix> const& matrix) const;
+  std::vector<std::string> keyNames() const;
   void checkColumns(moxDataMatrix& matrix) const;
   void addCells(moxDataMatrix& source, KeyGroups const& groups, moxDataMatrix& result) const;
 

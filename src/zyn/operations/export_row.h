@@ -24,8 +24,8 @@ class ExportColumn final : public moxDataMatrixExporterColumn {
   void appendValue(std::string& text) const override { text_.appendTo(text, cursor_->pos()); }
   std::shared_ptr<moxGenericFormatter const> getFormatter() const override { return formatter_; }
 
-  /// What value() gives, in a row of the writer's choice.
-  void appendValue(std::string& out, unsigned int row) const { text_.appendTo(out, row); }
+  /// What value() gives, for any row.
+  CellText const& text() const { return text_; }
   void goTo(unsigned int row) { cursor_->goTo(row); }
 
  private:

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 #include <utility>
 
 #include "zyn/format/cell_text.h"
@@ -64,6 +65,39 @@ std::vector<std::string> textsOf(MatrixColumn const& column,
   return texts;
 }
 
+// Both replace each code by its number among the codes that occur, and give these in ascending
+// order.
+
+/// For codes below a number that is not large beside theirs.
+std::vector<std::uint64_t> numbersByPlace(std::vector<std::uint64_t>& codes, std::size_t below) {
+  std::vector<std::uint32_t> numberOf(below);
+  for (std::uint64_t const code : codes) {
+    numberOf[code] = 1;
+  }
+  std::vector<std::uint64_t> used;
+  for (std::size_t code = 0; code < below; ++code) {
+    if (numberOf[code] != 0) {
+      numberOf[code] = static_cast<std::uint32_t>(used.size());
+      used.push_back(code);
+    }
+  }
+  for (std::uint64_t& code : codes) {
+    code = numberOf[code];
+  }
+  return used;
+}
+
+std::vector<std::uint64_t> numbersByOrder(std::vector<std::uint64_t>& codes) {
+  std::vector<std::uint64_t> used = codes;
+  std::sort(used.begin(), used.end());
+  used.erase(std::unique(used.begin(), used.end()), used.end());
+  for (std::uint64_t& code : codes) {
+    auto const place = std::lower_bound(used.begin(), used.end(), code);
+    code = static_cast<std::uint64_t>(place - used.begin());
+  }
+  return used;
+}
+
 }  // namespace
 
 void PivotCombinations::add(MatrixColumn const& column,
@@ -93,17 +127,20 @@ void PivotCombinations::add(MatrixColumn const& column,
 /// Gives the combinations that occur their numbers, in the order of their codes.
 void PivotCombinations::number(std::vector<std::uint64_t>& codes,
                                std::vector<std::string> const& values) {
-  std::vector<std::uint64_t> used = codes;
-  std::sort(used.begin(), used.end());
-  used.erase(std::unique(used.begin(), used.end()), used.end());
+  std::size_t const possible = labels_.size() * values.size();
+  std::vector<std::uint64_t> const used =
+      possible <= codes.size() ? numbersByPlace(codes, possible) : numbersByOrder(codes);
   refuseTooManyColumns(used.size() * width_);
-  for (std::size_t i = 0; i < codes.size(); ++i) {
-    auto const place = std::lower_bound(used.begin(), used.end(), codes[i]);
-    entries_[i].combination = static_cast<std::uint32_t>(place - used.begin());
+  std::vector<std::size_t> next(used.size() + 1);  // where each combination's next entry goes
+  for (std::uint64_t const combination : codes) {
+    ++next[combination + 1];
   }
-  std::stable_sort(entries_.begin(), entries_.end(), [](Entry const& one, Entry const& other) {
-    return std::pair(one.combination, one.row) < std::pair(other.combination, other.row);
-  });
+  std::partial_sum(next.begin(), next.end(), next.begin());
+  std::vector<Entry> ordered(entries_.size());
+  for (std::size_t i = 0; i < codes.size(); ++i) {
+    ordered[next[codes[i]]++] = {entries_[i].row, static_cast<std::uint32_t>(codes[i])};
+  }
+  entries_ = std::move(ordered);
   std::vector<std::string> labels;
   labels.reserve(used.size());
   for (std::uint64_t const code : used) {
