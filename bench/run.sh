@@ -9,10 +9,10 @@ usage: bench/run.sh BUILD_DIR [OPTIONS]        (./dev bench [OPTIONS] builds fir
 
 Measures floor, ours and peers in turns and prints a table of medians.
 
-  --rows N     rows of every case, in place of its own number (loads 1M, sorts 10M); up to 16M
+  --rows N     rows of every case, in place of its own number (loads and CSV 1M, others 10M); up to 16M
   --rounds N   rounds; 5 unless told
   --case NAME  only this case; may be repeated: load-sqlite, load-mariadb, sort-numbers, sort-text, append, walk, index,
-               group-int, group-text, group-two, expression, join
+               group-int, group-text, group-two, expression, join, pivot, union, csv
   --cpu        processor time in place of elapsed time, for a machine with other work
   --write      put machine and table into docs/benchmarks.md; needs 5 rounds or more
   --help       this text
@@ -121,7 +121,8 @@ shift "$count"
 mkdir -p "$work"
 python=$(find_python)
 [ -z "$python" ] || set -- "$@" --python "$python" --pandas-peer "$peers/pandas_peer.py" \
-  --pandas-group-peer "$peers/pandas_group.py" --pandas-join-peer "$peers/pandas_join.py"
+  --pandas-group-peer "$peers/pandas_group.py" --pandas-join-peer "$peers/pandas_join.py" \
+  --pandas-tables-peer "$peers/pandas_tables.py"
 if [ -n "$python" ] && "$python" -c 'import numexpr' >/dev/null 2>&1; then
   set -- "$@" --numexpr-peer "$peers/numexpr_peer.py"
 else
@@ -133,7 +134,7 @@ duckdb=$npm/node_modules/@duckdb/node-bindings-linux-x64/libduckdb.so
 if [ -d "$npm/node_modules/nodejs-polars" ] && command -v node >/dev/null 2>&1; then
   set -- "$@" --node node --polars-peer "$peers/polars_peer.js" --npm "$npm" \
     --polars-expression-peer "$peers/polars_expression.js" --polars-group-peer "$peers/polars_group.js" \
-    --polars-join-peer "$peers/polars_join.js"
+    --polars-join-peer "$peers/polars_join.js" --polars-tables-peer "$peers/polars_tables.js"
 fi
 mariadb_socket=
 if wants_mariadb; then

@@ -12,6 +12,8 @@ struct BenchContext {
   std::size_t columnRows = 10'000'000;
   std::size_t indexRows = 1'000'000;
   std::size_t joinRows = 10'000'000;
+  std::size_t tableRows = 10'000'000;
+  std::size_t csvRows = 1'000'000;
   int rounds = 5;
   std::string workDirectory;  // for databases and files; exists
   std::string mariadbSocket;
@@ -26,6 +28,8 @@ struct BenchContext {
   std::string polarsExpressionScript;
   std::string polarsGroupScript;
   std::string polarsJoinScript;
+  std::string pandasTablesScript;
+  std::string polarsTablesScript;
   std::string npmDirectory;  // where polars is installed
 };
 

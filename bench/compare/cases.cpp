@@ -16,6 +16,9 @@ std::vector<Case> const& allCases() {
       {"group-two", "the same by two integers", &groupByTwoNumbersCase},
       {"expression", "a column computed from three of doubles", &expressionCase},
       {"join", "sales with a table of their customers", &joinCase},
+      {"pivot", "a cross table of a thousand keys and fifty headings", &pivotCase},
+      {"union", "two tables of four columns, one below the other", &unionCase},
+      {"csv", "six formatted columns written to a file", &csvCase},
   };
   return cases;
 }

@@ -32,5 +32,8 @@ std::vector<CaseResult> groupByTextCase(BenchContext const& context);
 std::vector<CaseResult> groupByTwoNumbersCase(BenchContext const& context);
 std::vector<CaseResult> expressionCase(BenchContext const& context);
 std::vector<CaseResult> joinCase(BenchContext const& context);
+std::vector<CaseResult> pivotCase(BenchContext const& context);
+std::vector<CaseResult> unionCase(BenchContext const& context);
+std::vector<CaseResult> csvCase(BenchContext const& context);
 
 }  // namespace bench

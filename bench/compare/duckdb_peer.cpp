@@ -95,8 +95,8 @@ class DuckdbPeer::Api {
     return values;
   }
 
-  void append(FloorTable const& table) {
-    appendRows("sale", table.rows(),
+  void append(std::string const& tableName, FloorTable const& table) {
+    appendRows(tableName.c_str(), table.rows(),
                [&](Handle appender, std::size_t row) { return appendRow(appender, table, row); });
   }
 
@@ -176,11 +176,7 @@ class DuckdbPeer::Api {
 };
 
 DuckdbPeer::DuckdbPeer(std::string const& library, FloorTable const& table) : DuckdbPeer(library) {
-  api_->run(
-      "create table sale(number integer, rating integer, amount double, day timestamp, code "
-      "varchar, "
-      "description varchar)");
-  api_->append(table);
+  fillSales("sale", table);
 }
 
 DuckdbPeer::DuckdbPeer(std::string const& library) : api_(std::make_unique<Api>(library)) {
@@ -206,6 +202,13 @@ void DuckdbPeer::fillNumbers(
   }
   api_->run("create table " + tableName + "(" + list + ")");
   api_->append(tableName, columns, rows);
+}
+
+void DuckdbPeer::fillSales(std::string const& tableName, FloorTable const& table) {
+  api_->run("create table \"" + tableName +
+            "\"(number integer, rating integer, amount double, day timestamp, code varchar, "
+            "description varchar)");
+  api_->append(tableName, table);
 }
 
 void DuckdbPeer::sortBy(std::string const& columns) {

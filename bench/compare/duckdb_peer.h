@@ -33,6 +33,9 @@ class DuckdbPeer {
                    std::vector<std::pair<char const*, FloorNumbers const*>> const& columns,
                    std::size_t rows);
 
+  /// Creates a table of sales and fills it.
+  void fillSales(std::string const& tableName, FloorTable const& table);
+
   /// Runs "create table sorted as select * from sale order by" these columns.
   void sortBy(std::string const& columns);
   void dropSorted();

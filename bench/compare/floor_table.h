@@ -41,6 +41,9 @@ class FloorNulls {
   void setWord(std::size_t index, std::uint64_t word) { words_[index] = word; }
   void setSize(std::size_t rows) { size_ = rows; }
 
+  /// Bits past the last row are 0.
+  std::uint64_t const* words() const { return words_.data(); }
+
  private:
   GrowingArray<std::uint64_t> words_;
   std::size_t size_ = 0;

@@ -65,6 +65,10 @@ void declareOptions(CLI::App& app, Options& options) {
                  "the script that has Polars group");
   app.add_option("--pandas-join-peer", context.pandasJoinScript, "the script that has pandas join");
   app.add_option("--polars-join-peer", context.polarsJoinScript, "the script that has Polars join");
+  app.add_option("--pandas-tables-peer", context.pandasTablesScript,
+                 "the script that has pandas work on whole tables");
+  app.add_option("--polars-tables-peer", context.polarsTablesScript,
+                 "the script that has Polars work on whole tables");
   app.add_option("--npm", context.npmDirectory, "where Polars is installed");
 }
 
@@ -92,7 +96,7 @@ int run(Options& options) {
   auto& context = options.context;
   if (options.rows != 0) {
     context.loadRows = context.sortRows = context.columnRows = context.indexRows = options.rows;
-    context.joinRows = options.rows;
+    context.joinRows = context.tableRows = context.csvRows = options.rows;
   }
   if (options.processorTime) {
     bench::measureProcessorTime();

@@ -1,7 +1,3 @@
-#include <fmt/format.h>
-
-#include <cstdio>
-#include <fstream>
 #include <memory>
 #include <optional>
 #include <stdexcept>
@@ -13,6 +9,7 @@
 #include "compare/memory_peak.h"
 #include "compare/our_host.h"
 #include "compare/peer_process.h"
+#include "compare/sales_file.h"
 #include "compare/sort_floor.h"
 #include "compare/test_rows.h"
 #include "mox/zyn/matrix/data_matrix_sorter.h"
@@ -43,38 +40,6 @@ bool isBeforeByNumbers(FloorTable const& table, std::size_t left, std::size_t ri
 bool isBeforeByCode(FloorTable const& table, std::size_t left, std::size_t right) {
   return table.code[left].view() < table.code[right].view();
 }
-
-/// The table as Polars reads it; gone with this object.
-class CsvFile {
- public:
-  explicit CsvFile(std::string const& path) : path_(path) {}
-  ~CsvFile() { std::remove(path_.c_str()); }
-  CsvFile(CsvFile const&) = delete;
-  CsvFile& operator=(CsvFile const&) = delete;
-
-  void write(FloorTable const& table) const {
-    std::ofstream file(path_);
-    file << "number,rating,amount,day,code,description\n";
-    for (std::size_t row = 0; row < table.rows(); ++row) {
-      file << line(table, row);
-    }
-    if (!file.flush()) {
-      throw std::runtime_error("cannot write " + path_);
-    }
-  }
-
-  std::string const& path() const { return path_; }
-
- private:
-  static std::string line(FloorTable const& table, std::size_t row) {
-    return fmt::format("{},{},{},{},{},{}\n", table.number[row],
-                       table.ratingNulls.test(row) ? "" : std::to_string(table.rating[row]),
-                       table.amountNulls.test(row) ? "" : fmt::format("{:.2f}", table.amount[row]),
-                       table.day[row], table.code[row].view(), table.description[row].view());
-  }
-
-  std::string path_;
-};
 
 class SortCase {
  public:
@@ -201,7 +166,7 @@ class SortCase {
   FloorTable source_;
   OurHost host_;
   std::shared_ptr<moxDataMatrix> matrix_;
-  CsvFile csv_;
+  SalesFile csv_;
   CheckSums expected_;
   std::optional<FloorTable> table_;
   std::shared_ptr<moxDataMatrix> sorted_;

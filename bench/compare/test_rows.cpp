@@ -71,10 +71,10 @@ std::string dayText(std::int64_t seconds) {
   return text;
 }
 
-FloorTable makeFloorTable(std::size_t rows) {
+FloorTable makeFloorTable(std::size_t rows, std::size_t first) {
   FloorTable table(rows);
   for (std::size_t i = 0; i < rows; ++i) {
-    TestRow const row = testRow(i);
+    TestRow const row = testRow(first + i);
     table.number.push(row.number);
     table.rating.push(row.rating);
     table.ratingNulls.push(row.ratingIsNull);

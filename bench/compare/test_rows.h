@@ -30,6 +30,7 @@ std::uint64_t noiseOf(std::uint64_t row, std::uint64_t field);
 /// "2024-03-05".
 std::string dayText(std::int64_t seconds);
 
-FloorTable makeFloorTable(std::size_t rows);
+/// Rows from `first` on.
+FloorTable makeFloorTable(std::size_t rows, std::size_t first = 0);
 
 }  // namespace bench
