@@ -51,6 +51,7 @@ TreeNode inputNode(InputView const& input) {
 /// "nota by moxDoubleAvg", "bimestre".
 std::string pivotText(std::vector<PivotColumnView> const& columns, char const* word) {
   std::vector<std::string> texts;
+  texts.reserve(columns.size());
   for (auto const& column : columns) {
     texts.push_back(column.means.empty()
                         ? column.column

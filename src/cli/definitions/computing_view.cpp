@@ -110,6 +110,7 @@ ComputingView viewOf(moxExpressionDataSource const& source) {
 
 std::vector<PivotColumnView> pivotColumns(std::vector<moxPivotDataSource::Pair> const& pairs) {
   std::vector<PivotColumnView> columns;
+  columns.reserve(pairs.size());
   for (auto const& [column, means] : pairs) {
     columns.push_back({column, means});
   }

@@ -75,11 +75,10 @@ class NumberedMatrix final : public moxDataMatrix {
   std::shared_ptr<moxDataMatrix> matrix_;
 };
 
-std::shared_ptr<ColumnFormatter> formatterOf(moxDataMatrixColumn const& column, std::string name,
-                                             bool formatted) {
+std::shared_ptr<ColumnFormatter> formatterOf(moxDataMatrixColumn const& column,
+                                             std::string const& name, bool formatted) {
   auto const own = column.getFormatter();
-  return formatted && own ? makeBorrowedFormatter(std::move(name), own)
-                          : makePlainFormatter(std::move(name), column);
+  return formatted && own ? makeBorrowedFormatter(name, own) : makePlainFormatter(name, column);
 }
 
 void describeColumns(moxDataMatrixExporter& exporter, moxDataMatrix const& matrix, bool formatted) {

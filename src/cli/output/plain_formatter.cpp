@@ -81,7 +81,7 @@ class BorrowedFormatter final : public ColumnFormatter {
 
 }  // namespace
 
-std::shared_ptr<ColumnFormatter> makePlainFormatter(std::string name,
+std::shared_ptr<ColumnFormatter> makePlainFormatter(std::string const& name,
                                                     moxDataMatrixColumn const& column) {
   return visitColumn(column, PlainFormatterMaker{name});
 }

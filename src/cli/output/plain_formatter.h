@@ -34,7 +34,7 @@ class ColumnFormatter : public moxGenericFormatter {
 /// A formatter that gives values as programs read them: numbers as formatDouble, moments as
 /// YYYY-MM-DD, with the time when any row of the column has one, blobs as base64. For cursors over
 /// `column` alone, which must outlive it.
-std::shared_ptr<ColumnFormatter> makePlainFormatter(std::string name,
+std::shared_ptr<ColumnFormatter> makePlainFormatter(std::string const& name,
                                                     moxDataMatrixColumn const& column);
 
 /// One that asks another formatter, which is not empty.

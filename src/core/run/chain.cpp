@@ -93,8 +93,10 @@ struct InputNames {
 /// Likewise.
 struct Deeds {
   std::string operator()(moxAggregationDataSource const& source) const {
+    auto const functions = source.getAggregator()->getFunctions();
     Names targets;
-    for (auto const& function : source.getAggregator()->getFunctions()) {
+    targets.reserve(functions.size());
+    for (auto const& function : functions) {
       auto const common = std::dynamic_pointer_cast<moxCommonAggregationFunction>(function);
       targets.push_back(common ? common->getTargetColumn() : function->name());
     }
@@ -116,16 +118,20 @@ struct Deeds {
   }
 
   std::string operator()(moxExpressionDataSource const& source) const {
+    auto const expressions = source.expressions().get();
     Names columns;
-    for (auto const& expression : source.expressions().get()) {
+    columns.reserve(expressions.size());
+    for (auto const& expression : expressions) {
       columns.push_back(expression->columnName());
     }
     return columns.empty() ? "computes nothing" : "computes " + listed(columns);
   }
 
   std::string operator()(moxPivotDataSource const& source) const {
+    auto const spread = source.getColumnsPivot();
     Names across;
-    for (auto const& [column, formatter] : source.getColumnsPivot()) {
+    across.reserve(spread.size());
+    for (auto const& [column, formatter] : spread) {
       across.push_back(column);
     }
     return "makes a cross table" + behind(" of rows by ", source.getRowsPivot()) +
