@@ -403,6 +403,36 @@ def test_each_year_meets_each_course(escola):
     assert sorted(tuple(row.values()) for row in rows) == sorted(wanted) and len(courses) > 2 < len(years)
 
 
+# Statements that change data
+
+ROOM = "Definir sala da turma"
+
+
+def room(school, number):
+    return by_hand(school, f"select sala from escola_turmas where id = {number}")[0]["sala"]
+
+
+def set_room(school, *filters):
+    done = school.zyn("--user", "joaquim", "run", ROOM, *as_options(filters), "--yes")
+    assert (done.returncode, done.stdout) == (0, ""), done
+
+
+def test_routine_changes_the_row_that_it_is_told(escola):
+    before = {number: room(escola, number) for number in (25, 26)}
+    assert before[26] and before[26] != "77 B"
+    set_room(escola, "sala=77 B", "turma=26", "unidade=3")
+    assert {number: room(escola, number) for number in (25, 26)} == {25: before[25], 26: "77 B"}
+    set_room(escola, f"sala={before[26]}", "turma=26", "unidade=3")
+    assert room(escola, 26) == before[26]
+
+
+@pytest.mark.parametrize("filters", [["sala=99"], ["sala=99", "turma=26"], ["sala=99", "turma=26", "unidade=2"]])
+def test_routine_without_its_unit_changes_nothing(escola, filters):
+    before = by_hand(escola, "select id, sala from escola_turmas order by id")
+    set_room(escola, *filters)
+    assert by_hand(escola, "select id, sala from escola_turmas order by id") == before
+
+
 # On a terminal
 
 @pytest.mark.parametrize("width", [80, 120, 160])
