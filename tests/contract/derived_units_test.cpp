@@ -21,7 +21,6 @@
 #include "mox/zyn/items/zyn_collection.h"
 #include "support/databases.h"
 #include "support/matrix_builder.h"
-#include "support/plain_report.h"
 #include "support/shared_sessions.h"
 #include "support/test_host.h"
 
@@ -197,7 +196,6 @@ class SchoolHost {
   /// Without units for the default unit.
   DefinitionRun newRun(std::string const& name, Units const& units = {}) {
     DefinitionRun run(host_.application(), host_.application().sessions(), name);
-    run.context().setReportContext(std::make_shared<PlainReport>());
     run.keepReport(DefinitionRun::Report::kKept);
     run.setUnits({units.begin(), units.end()});
     return run;
