@@ -1,7 +1,7 @@
 #!/bin/sh
 # The example, end to end: makes the school network's database, packs its definitions, and runs three of them for two
-# users of different units and a search for one, the whole way through program, framework, module, database, column
-# tables and formatters.
+# users of different units, a search for one, and a report card for the head of a unit, the whole way through program,
+# framework, module, database, column tables and formatters.
 #
 # usage: demo.sh BUILD_DIR DEMO_DIR     BUILD_DIR holds bin/ and lib/; everything is written below DEMO_DIR
 set -eu
@@ -67,10 +67,15 @@ sed -n 's/^/ /; /conditions/,$p' "$demo/explain.txt"
 echo "   from $demo/explain.txt, which holds the statement and all values"
 
 echo
-echo "6. Go on by hand:"
+echo "6. The report card of a class, out of five definitions: marks, averages, their order, the cross table, its order"
+zyn --user joaquim run "Boletim da turma" --filter id_turma=26 --format table
+
+echo
+echo "Go on by hand:"
 echo "   $build/bin/zyn --config $demo/zyn.toml --user iara --unit 6 --unit 7 run 'Médias por disciplina'"
-echo "   $build/bin/zyn --config $demo/zyn.toml show 'Alunos por curso'"
+echo "   $build/bin/zyn --config $demo/zyn.toml show 'Boletim da turma'"
+echo "   $build/bin/zyn --config $demo/zyn.toml --user joaquim explain 'Turmas na ordem escolhida' --sort faltas:desc"
 echo "   $build/bin/zyn --config $demo/zyn.toml --user joaquim search 'Pesquisa de matrículas' --filters"
 echo "   $build/bin/zyn --config $demo/zyn.toml sql 'select nome, cidade from ambiente_unidades' --sort nome"
 echo "   docs/tutorial/first-definition.md writes a definition from an empty file, docs/tutorial/narrowing-and-searching.md"
-echo "   a screen of several"
+echo "   a screen of several, docs/tutorial/from-marks-to-a-report-card.md a report card"
