@@ -184,7 +184,7 @@ class Inference {
       return known(FieldType::kInt);
     }
     if (isArithmetic(range)) {
-      return {std::nullopt, true};
+      return inferArithmetic(range, shape);
     }
     if (tokens_.isWord(range.begin, "case")) {
       return branchesOfCase(range, shape);
@@ -220,14 +220,29 @@ class Inference {
     });
   }
 
+  bool isSign(int i) const {
+    return tokens_.isPunctuation(i, '+') || tokens_.isPunctuation(i, '-') ||
+           tokens_.isPunctuation(i, '*') || tokens_.isPunctuation(i, '/') ||
+           tokens_.isPunctuation(i, '%') || tokens_.isWord(i, "div") || tokens_.isWord(i, "mod");
+  }
+
   bool isArithmetic(TokenRange range) const {
-    return anyAtTop(range, [&](int i) {
-      bool const lone = i == range.begin && range.end - range.begin == 1;
-      return !lone && (tokens_.isPunctuation(i, '+') || tokens_.isPunctuation(i, '-') ||
-                       tokens_.isPunctuation(i, '*') || tokens_.isPunctuation(i, '/') ||
-                       tokens_.isPunctuation(i, '%') || tokens_.isWord(i, "div") ||
-                       tokens_.isWord(i, "mod"));
-    });
+    bool const lone = range.end - range.begin == 1;
+    return !lone && anyAtTop(range, [&](int i) { return isSign(i); });
+  }
+
+  // With a double among the operands a double, whatever the first row's value is: a price less a
+  // price is a whole number on some rows only.
+  InferredType inferArithmetic(TokenRange range, SelectShape const& shape) {
+    int begin = range.begin;
+    auto const endsInDouble = [&](int end) {
+      TokenRange const operand{begin, end};
+      begin = end + 1;
+      return infer(operand, shape).type == FieldType::kDouble;
+    };
+    bool const hasDouble = anyAtTop(range, [&](int i) { return isSign(i) && endsInDouble(i); }) ||
+                           endsInDouble(range.end);
+    return hasDouble ? known(FieldType::kDouble) : InferredType{std::nullopt, true};
   }
 
   // The values behind "then" and "else" of the outer case.

@@ -98,6 +98,16 @@ TEST_F(SqliteTypesWithoutRows, ArithmeticIsANumberAndAllElseIsText) {
             (Types{kDouble, kDouble, kDouble, kText, kText, kText}));
 }
 
+TEST(SqliteTypes, ArithmeticWithADoubleIsADoubleWhateverTheFirstRowHolds) {
+  MemoryDatabase data;
+  data.run("create table t (i int, d decimal(10, 2))");
+  data.run("insert into t values (2, 3), (2, 3.5)");
+  EXPECT_EQ(
+      data.types("select d - i, (d - 1) * 2, i * -d, -d + i, 2 * (select max(d) from t) from t"),
+      (Types{kDouble, kDouble, kDouble, kDouble, kDouble}));
+  EXPECT_EQ(data.types("select i + 1, i * i - 2, -i from t"), (Types{kInt, kInt, kInt}));
+}
+
 TEST_F(SqliteTypesWithoutRows, TypesComeThroughSubqueries) {
   EXPECT_EQ(data.types("select * from ( select i, sum(d) as total, date(dt) as day from t group by "
                        "i, date(dt)) command "),
