@@ -39,7 +39,7 @@ MODULE_IMPLEMENTATIONS = {
     "filters": {"filters", "frame", "items"},
     "expressions": {"expressions", "frame"},
     "operations": {"operations", "matrix", "expressions", "format", "frame", "items"},
-    "datasources": {"datasources", "frame", "items", "operations"},
+    "datasources": {"datasources", "frame", "items", "matrix", "operations"},
     "search": {"search", "datasources", "format", "frame", "items"},
 }
 

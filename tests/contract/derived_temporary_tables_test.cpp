@@ -202,6 +202,20 @@ TEST_P(DerivedTemporaryTables, ARunWithoutRowsLeavesNoneOfTheRunAhead) {
               isMatrix({{"diario", texts()}, {"vezes", ints()}}));
 }
 
+TEST_P(DerivedTemporaryTables, ANextSessionOfTheThreadFindsNoTableOfTheOneAhead) {
+  runAs(0, {"Notas", "totais", "todas"});
+  for (auto const* name : {"Dos totais", "De todas"}) {
+    EXPECT_TRUE(failureOf([&] { runAs(1, Names{name}); })) << name;
+  }
+}
+
+TEST_P(DerivedTemporaryTables, TablesStayForAsLongAsTheirRun) {
+  auto const context = runAs(0, {"Notas", "totais", "todas"});
+  for (auto const* name : {"Dos totais", "De todas"}) {
+    EXPECT_FALSE(failureOf([&] { runAs(0, Names{name}); })) << name;
+  }
+}
+
 TEST_P(DerivedTemporaryTables, AThreadOfItsOwnFindsNoTableOfAnother) {
   runAs(0, {"Notas", "totais", "todas"});
   int failed = 0;

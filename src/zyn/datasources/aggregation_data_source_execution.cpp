@@ -8,6 +8,7 @@
 #include "mox/zyn/matrix/aggregation_function.h"
 #include "mox/zyn/matrix/data_matrix.h"
 #include "mox/zyn/matrix/data_matrix_aggregator.h"
+#include "zyn/datasources/temporary_tables.h"
 
 namespace {
 
@@ -73,6 +74,9 @@ bool AggregationDataSourceExecution::generateDataMatrix(
   }
   auto const target = resultName(targetName);
   bool const intoTable = definition().getGerarTabelaTemporaria();
+  if (intoTable) {
+    dropWithRun(*context, target);
+  }
   auto const aggregator = definition().getAggregator();
   auto const result = aggregator->aggregate(matrix, definition().getCountColumn(),
                                             intoTable ? target : std::string());

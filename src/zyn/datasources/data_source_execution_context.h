@@ -10,6 +10,7 @@
 #include "mox/zyn/datasources/manage_filter_data_source.h"
 #include "mox/zyn/datasources/run_report.h"
 #include "zyn/datasources/run_recorder.h"
+#include "zyn/datasources/temporary_tables.h"
 
 /// The one place of a run where its matrices, filters, options and units are held. Used by one
 /// thread.
@@ -17,6 +18,7 @@ class DataSourceExecutionContext final
     : public virtual moxDataSourceExecutionContext,
       public moxRunReporter,
       public RunRecorderHolder,
+      public TemporaryTableOwner,
       public std::enable_shared_from_this<DataSourceExecutionContext> {
  public:
   using Filter = std::shared_ptr<moxDataMatrixSQLFilter>;
@@ -55,6 +57,8 @@ class DataSourceExecutionContext final
   void composeOnly() override;
   moxRunReport runReport() const override;
 
+  TemporaryTables& temporaryTables() override { return temporaryTables_; }
+
   RunRecorder* runRecorder() const override { return recorder_.get(); }
   bool isFixedFilter(std::string const& source, ConstFilter const& filter) const override;
 
@@ -84,6 +88,7 @@ class DataSourceExecutionContext final
   bool processed_ = false;
   std::shared_ptr<moxReportExecutionContext> reportContext_;
   mutable std::vector<std::shared_ptr<moxDataSourceExecutionContext>> appendedContexts_;
+  TemporaryTables temporaryTables_;
   RunUnits units_;
   std::shared_ptr<RunRecorder> recorder_;  // empty unless a report is kept
 };

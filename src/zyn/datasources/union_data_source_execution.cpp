@@ -4,6 +4,7 @@
 #include "mox/zyn/frame/plugin_entry.h"
 #include "mox/zyn/matrix/data_matrix.h"
 #include "mox/zyn/matrix/data_matrix_union.h"
+#include "zyn/datasources/temporary_tables.h"
 
 namespace {
 
@@ -29,6 +30,9 @@ bool UnionDataSourceExecution::generateDataMatrix(
   }
   auto const result = resultName(targetName);
   auto const tableName = definition().getGerarTabelaTemporaria() ? result : std::string();
+  if (!tableName.empty()) {
+    dropWithRun(*context, tableName);
+  }
   context->registerDataMatrix(result, engine->process(tableName));
   return true;
 }

@@ -175,3 +175,11 @@ void dumpToTemporaryTable(moxDataMatrix const& matrix, std::string const& tableN
                                             ") values (" + lists.marks + ")");
   insertRows(matrix, *statement);
 }
+
+void dropTemporaryTable(std::string const& tableName) noexcept {
+  try {
+    moxApp->databaseConnection().execute("drop temporary table if exists " + identifier(tableName));
+  } catch (...) {
+    return;  // a lost connection has lost its tables as well
+  }
+}

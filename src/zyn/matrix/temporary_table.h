@@ -13,3 +13,7 @@ class moxDataMatrix;
 /// moxError for what the database refuses, such as two columns of one name, or a text too long for
 /// "varchar(200)"; the table may then be there and hold the rows before the one that failed.
 void dumpToTemporaryTable(moxDataMatrix const& matrix, std::string const& tableName);
+
+/// Takes the table of that name off the calling thread's connection; nothing without one. What the
+/// database refuses is not told.
+void dropTemporaryTable(std::string const& tableName) noexcept;

@@ -243,10 +243,16 @@ TEST_F(AggregationDataSourceExecutionTest, InputsOfForeignMakeAreAggregatedAlike
 
 TEST_F(AggregationDataSourceExecutionTest, ATemporaryTableBearsTheDefinitionsName) {
   definition_->setGerarTabelaTeporaria(true);
-  auto const result = resultOf(marks());
-  ASSERT_NE(result, nullptr);
-  EXPECT_EQ(result->columnCount(), 0u);
+  auto const context = contextOf(marks());
+  EXPECT_TRUE(definition_->createExecution()->generateDataMatrix(context, ""));
+  EXPECT_EQ(context->getDataMatrix("Médias")->columnCount(), 0u);
   EXPECT_EQ(rowsOf("select turma, media, maior from \"Médias\"", 3), "A 6.0 7.0 B 8.0 8.0 ");
+}
+
+TEST_F(AggregationDataSourceExecutionTest, ATemporaryTableGoesWithTheContextOfItsRun) {
+  definition_->setGerarTabelaTeporaria(true);
+  resultOf(marks());
+  EXPECT_FALSE(failureOf([&] { rowsOf("select turma from \"Médias\"", 1); }).empty());
 }
 
 TEST_F(AggregationDataSourceExecutionTest, ATemporaryTableBearsTheTargetsNameWhereThereIsOne) {

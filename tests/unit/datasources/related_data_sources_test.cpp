@@ -62,8 +62,9 @@ TEST_F(RelatedDataSourcesTest, InAContextTheFirstOfThatNameOrThatIsCalledSoCount
 }
 
 TEST_F(RelatedDataSourcesTest, RelatedColumnsAreThoseThatTheSourceTells) {
-  enter("<moxSQLDataSource name=\"turmas\"><columns>"
-        "<moxDataMatrixIntColumn name=\"id\"/></columns></moxSQLDataSource>");
+  enter(
+      "<moxSQLDataSource name=\"turmas\"><columns>"
+      "<moxDataMatrixIntColumn name=\"id\"/></columns></moxSQLDataSource>");
   std::vector<moxNamedDataSource> const sources{{"t", entered("turmas")}};
   EXPECT_EQ(relatedColumnsOf(sources, "t"), entered("turmas")->getRelatedColumns(sources));
   EXPECT_TRUE(relatedColumnsOf(sources, "alunos").empty());
