@@ -104,10 +104,7 @@ bool CellWriter::takeTexts() {
 }
 
 char* CellWriter::put(char* place, std::string const& text) {
-  if (!text.empty()) {
-    std::memcpy(place, text.data(), text.size());
-  }
-  return place + text.size();
+  return std::copy(text.begin(), text.end(), place);
 }
 
 char* CellWriter::write(TextBuffer& buffer, char* place, std::size_t rest, unsigned int row) {

@@ -133,11 +133,13 @@ bool toCents(double magnitude, FixedPoint& number) {
   if (!(scaled < kMostCents)) {
     return false;
   }
-  auto const cents = static_cast<std::int64_t>(scaled + 0.5);
-  if (std::fabs(scaled - static_cast<double>(cents)) > 0.499) {
+  auto const below = static_cast<std::int64_t>(scaled);
+  double const beyond = scaled - static_cast<double>(below);
+  if (std::fabs(beyond - 0.5) < 0.001) {
     return false;
   }
-  number = {static_cast<std::uint64_t>(cents) / 100, static_cast<std::uint64_t>(cents) % 100};
+  auto const cents = static_cast<std::uint64_t>(below + (beyond > 0.5 ? 1 : 0));
+  number = {cents / 100, cents % 100};
   return true;
 }
 

@@ -302,7 +302,7 @@ TEST_F(DataMatrixExporterTest, WritesWhatTheRowsPublishedFaceTells) {
   auto const format = host_.get<moxDataMatrixExporterFormat>(kCsv);
   auto const fast = directory_.path() / "fast.csv";
   auto const plain = directory_.path() / "plain.csv";
-  for (int round = 0; round < 500; ++round) {
+  for (int round = 0; round < 20000; ++round) {
     Matrix const data = random.table();
 
     format->exportToFile(fast.string(), rowOf(*data));
