@@ -93,8 +93,8 @@ def test_elements_that_nobody_knows_are_told_a_line_each(sqlite_school):
     assert done.returncode == 0
     assert [line.split(",")[0] for line in done.stdout.splitlines()[1:]] == ["a", "b"]
     assert done.stderr.splitlines() == [
-        f"zyn: note: {folder}/a.zcf:4: moxLater was left out: no class is registered under the name 'moxLater'",
         f"zyn: note: {folder}/a.zcf:2: moxFuture was left out: no class is registered under the name 'moxFuture'",
+        f"zyn: note: {folder}/a.zcf:4: moxLater was left out: no class is registered under the name 'moxLater'",
     ]
     assert sqlite_school.zyn("--user", "joao", "items").stderr == ""
 
