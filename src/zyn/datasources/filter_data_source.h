@@ -6,11 +6,12 @@
 
 #include "mox/zyn/datasources/filter_data_source.h"
 #include "zyn/datasources/column_list.h"
+#include "zyn/datasources/named_data_source.h"
 
 /// The definition of a change to another source's statement. The source is looked up by name on
 /// every need, and never kept: sessions share the definition, and each may know another source by
 /// the name. Look-ups along a ring of names throw as DepthGuard does.
-class FilterDataSource final : public moxFilterDataSource,
+class FilterDataSource final : public NamedDataSource<moxFilterDataSource>,
                                public std::enable_shared_from_this<FilterDataSource> {
  public:
   std::string name() const override { return "moxFilterDataSource"; }
@@ -20,19 +21,10 @@ class FilterDataSource final : public moxFilterDataSource,
   bool load(std::shared_ptr<moxXMLNode> node) override;
   bool save(std::shared_ptr<moxXMLNode> node) const override;
 
-  std::shared_ptr<moxZYNItem> getZynItemRelated() override { return {}; }
-  void setParentLibraryName(std::string const& libraryName) override {
-    parentLibraryName_ = libraryName;
-  }
-  std::string getParentLibName() const override { return parentLibraryName_; }
-
   std::vector<moxDataSourceColumnType> getColumns() const override;
-  void setName(std::string const& name) override { name_ = name; }
-  std::string getName() const override { return name_; }
   std::vector<std::shared_ptr<moxFilterSpecification const>> getFilters() const override {
     return {};
   }
-  std::vector<std::shared_ptr<moxDataSourceOption const>> options() const override { return {}; }
   std::vector<moxDataSourceColumnType> getRelatedColumns(
       std::vector<moxNamedDataSource> const& sources) const override;
   std::vector<std::shared_ptr<moxDataSource const>> getRelatedDataSources(bool deep) const override;
@@ -82,8 +74,6 @@ class FilterDataSource final : public moxFilterDataSource,
   std::vector<moxDataSourceColumnType> withOwnColumns(
       std::vector<moxDataSourceColumnType> columns) const;
 
-  std::string name_;
-  std::string parentLibraryName_;
   std::string dataSourceName_;
   std::string sqlJoin_;
   std::string sqlWhere_;

@@ -46,7 +46,7 @@ bool GroupDataSource::load(std::shared_ptr<moxXMLNode> node) {
   if (!node) {
     return false;
   }
-  name_ = node->readAttribute(kName);
+  setName(node->readAttribute(kName));
   outputSource_ = node->readAttribute(kOutputSource);
   filterSource_ = node->readAttribute(kFilterSource);
   auto const list = node->childByIndex(0, kMembers);
@@ -64,7 +64,7 @@ bool GroupDataSource::save(std::shared_ptr<moxXMLNode> node) const {
   if (!node) {
     return false;
   }
-  node->writeAttribute(kName, name_);
+  node->writeAttribute(kName, getName());
   node->writeAttribute(kOutputSource, outputSource_);
   node->writeAttribute(kFilterSource, filterSource_);
   polymorphic_list::save(dataSources_.all(), *node->addChild(kMembers));
@@ -84,7 +84,7 @@ std::vector<moxDataSourceColumnType> GroupDataSource::getColumns() const {
 
 std::vector<std::shared_ptr<moxFilterSpecification const>> GroupDataSource::getFilters() const {
   DepthGuard const guard;
-  GroupWiring wiring(name_);
+  GroupWiring wiring(getName());
   wiring.addMembersOf(*this);
   auto const execution = wiring.executionOf(filterSource_);
   return execution ? execution->getFilters()

@@ -5,11 +5,12 @@
 #include <vector>
 
 #include "mox/zyn/datasources/group_data_source.h"
+#include "zyn/datasources/named_data_source.h"
 #include "zyn/items/typed_collection.h"
 
 /// The definition of a small program of sources. What its members name elsewhere is looked up on
 /// every need; look-ups along a ring of groups throw as DepthGuard does.
-class GroupDataSource final : public moxGroupDataSource,
+class GroupDataSource final : public NamedDataSource<moxGroupDataSource>,
                               public std::enable_shared_from_this<GroupDataSource> {
  public:
   std::string name() const override { return "moxGroupDataSource"; }
@@ -20,21 +21,12 @@ class GroupDataSource final : public moxGroupDataSource,
   bool load(std::shared_ptr<moxXMLNode> node) override;
   bool save(std::shared_ptr<moxXMLNode> node) const override;
 
-  std::shared_ptr<moxZYNItem> getZynItemRelated() override { return {}; }
-  void setParentLibraryName(std::string const& libraryName) override {
-    parentLibraryName_ = libraryName;
-  }
-  std::string getParentLibName() const override { return parentLibraryName_; }
-
   /// Those of the member that gives the result. Empty when there is none, or when it has no source.
   std::vector<moxDataSourceColumnType> getColumns() const override;
-  void setName(std::string const& name) override { name_ = name; }
-  std::string getName() const override { return name_; }
 
   /// Those of the member that the group's filters go to, as the group's filter sources and managers
   /// leave them. Throws what wiring the members throws.
   std::vector<std::shared_ptr<moxFilterSpecification const>> getFilters() const override;
-  std::vector<std::shared_ptr<moxDataSourceOption const>> options() const override { return {}; }
   std::vector<moxDataSourceColumnType> getRelatedColumns(
       std::vector<moxNamedDataSource> const&) const override {
     return getColumns();
@@ -54,8 +46,6 @@ class GroupDataSource final : public moxGroupDataSource,
   std::string getFilterSource() const override { return filterSource_; }
 
  private:
-  std::string name_;
-  std::string parentLibraryName_;
   std::string outputSource_;
   std::string filterSource_;
   moxSortableTypedCollectionImplementation<moxDadoDataSource, GroupDataSource> dataSources_;

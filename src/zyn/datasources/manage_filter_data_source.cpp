@@ -115,7 +115,7 @@ bool ManageFilterDataSource::load(std::shared_ptr<moxXMLNode> node) {
   if (!node) {
     return false;
   }
-  name_ = node->readAttribute(kName);
+  setName(node->readAttribute(kName));
   auto read = readSources(*node);
   sources_.insert(sources_.end(), std::make_move_iterator(read.begin()),
                   std::make_move_iterator(read.end()));
@@ -129,7 +129,7 @@ bool ManageFilterDataSource::save(std::shared_ptr<moxXMLNode> node) const {
   if (!node) {
     return false;
   }
-  node->writeAttribute(kName, name_);
+  node->writeAttribute(kName, getName());
   writeSources(sources_, *node);
   polymorphic_list::save(filters_, *node->addChild(kFilters));
   return true;

@@ -6,10 +6,11 @@
 
 #include "mox/zyn/datasources/manage_filter_data_source.h"
 #include "mox/zyn/filters/filter_specification.h"
+#include "zyn/datasources/named_data_source.h"
 
 /// The definition of one filter screen for several queries. What its records do is done by the runs
 /// of the queries, which a group hands them to.
-class ManageFilterDataSource final : public moxManageFilterDataSource,
+class ManageFilterDataSource final : public NamedDataSource<moxManageFilterDataSource>,
                                      public std::enable_shared_from_this<ManageFilterDataSource> {
  public:
   using Filter = std::shared_ptr<moxFilterSpecification>;
@@ -21,19 +22,10 @@ class ManageFilterDataSource final : public moxManageFilterDataSource,
   bool load(std::shared_ptr<moxXMLNode> node) override;
   bool save(std::shared_ptr<moxXMLNode> node) const override;
 
-  std::shared_ptr<moxZYNItem> getZynItemRelated() override { return {}; }
-  void setParentLibraryName(std::string const& libraryName) override {
-    parentLibraryName_ = libraryName;
-  }
-  std::string getParentLibName() const override { return parentLibraryName_; }
-
   std::vector<moxDataSourceColumnType> getColumns() const override { return {}; }
-  void setName(std::string const& name) override { name_ = name; }
-  std::string getName() const override { return name_; }
   std::vector<std::shared_ptr<moxFilterSpecification const>> getFilters() const override {
     return {filters_.begin(), filters_.end()};
   }
-  std::vector<std::shared_ptr<moxDataSourceOption const>> options() const override { return {}; }
   std::vector<moxDataSourceColumnType> getRelatedColumns(
       std::vector<moxNamedDataSource> const&) const override {
     return getColumns();
@@ -48,8 +40,6 @@ class ManageFilterDataSource final : public moxManageFilterDataSource,
   std::vector<Filter> getFilters() override { return filters_; }
 
  private:
-  std::string name_;
-  std::string parentLibraryName_;
   std::vector<Filter> filters_;  // none is empty
   std::vector<ManageFilterData> sources_;
 };

@@ -17,7 +17,7 @@ bool ObjectDataSource::load(std::shared_ptr<moxXMLNode> node) {
   if (!node) {
     return false;
   }
-  name_ = node->readAttribute(kName);
+  setName(node->readAttribute(kName));
   auto const statement = node->childByIndex(0, kStatement);
   sql_ = statement ? statement->readText() : std::string();
   if (auto const binds = node->childByIndex(0, kBinds)) {
@@ -30,7 +30,7 @@ bool ObjectDataSource::save(std::shared_ptr<moxXMLNode> node) const {
   if (!node) {
     return false;
   }
-  node->writeAttribute(kName, name_);
+  node->writeAttribute(kName, getName());
   node->addChild(kStatement)->writeText(sql_);
   polymorphic_list::save(filters_.all(), *node->addChild(kBinds));
   return true;

@@ -5,10 +5,11 @@
 #include <vector>
 
 #include "mox/zyn/datasources/object_data_source.h"
+#include "zyn/datasources/named_data_source.h"
 #include "zyn/items/typed_collection.h"
 
 /// The definition of a statement that is run for what it does.
-class ObjectDataSource final : public moxObjectDataSource,
+class ObjectDataSource final : public NamedDataSource<moxObjectDataSource>,
                                public std::enable_shared_from_this<ObjectDataSource> {
  public:
   std::string name() const override { return "moxObjectDataSource"; }
@@ -20,19 +21,10 @@ class ObjectDataSource final : public moxObjectDataSource,
   bool load(std::shared_ptr<moxXMLNode> node) override;
   bool save(std::shared_ptr<moxXMLNode> node) const override;
 
-  std::shared_ptr<moxZYNItem> getZynItemRelated() override { return {}; }
-  void setParentLibraryName(std::string const& libraryName) override {
-    parentLibraryName_ = libraryName;
-  }
-  std::string getParentLibName() const override { return parentLibraryName_; }
-
   std::vector<moxDataSourceColumnType> getColumns() const override { return {}; }
-  void setName(std::string const& name) override { name_ = name; }
-  std::string getName() const override { return name_; }
 
   /// The list of what is bound, so that a screen can ask for the values.
   std::vector<std::shared_ptr<moxFilterSpecification const>> getFilters() const override;
-  std::vector<std::shared_ptr<moxDataSourceOption const>> options() const override { return {}; }
   std::vector<moxDataSourceColumnType> getRelatedColumns(
       std::vector<moxNamedDataSource> const&) const override {
     return getColumns();
@@ -48,8 +40,6 @@ class ObjectDataSource final : public moxObjectDataSource,
   Filters const& filters() const override { return filters_; }
 
  private:
-  std::string name_;
-  std::string parentLibraryName_;
   std::string sql_;
   moxNamedSortableTypedCollectionImplementation<moxFilterSpecification, ObjectDataSource,
                                                 &moxFilterSpecification::getDescription>

@@ -7,9 +7,10 @@
 
 #include "mox/zyn/datasources/sql_data_source.h"
 #include "zyn/datasources/column_list.h"
+#include "zyn/datasources/named_data_source.h"
 
 /// The definition of a query. Made by the registry: runs and its search take shared pointers to it.
-class SQLDataSource final : public moxSQLDataSource,
+class SQLDataSource final : public NamedDataSource<moxSQLDataSource>,
                             public LoadedFromElement,
                             public std::enable_shared_from_this<SQLDataSource> {
  public:
@@ -25,20 +26,13 @@ class SQLDataSource final : public moxSQLDataSource,
   bool save(std::shared_ptr<moxXMLNode> node) const override;
 
   std::shared_ptr<moxZYNItem> getZynItemRelated() override;
-  void setParentLibraryName(std::string const& libraryName) override {
-    parentLibraryName_ = libraryName;
-  }
-  std::string getParentLibName() const override { return parentLibraryName_; }
 
   std::vector<moxDataSourceColumnType> getColumns() const override {
     return columns_.namesAndTypes();
   }
-  void setName(std::string const& name) override { name_ = name; }
-  std::string getName() const override { return name_; }
   std::vector<std::shared_ptr<moxFilterSpecification const>> getFilters() const override {
     return {filters_.begin(), filters_.end()};
   }
-  std::vector<std::shared_ptr<moxDataSourceOption const>> options() const override { return {}; }
   std::vector<moxDataSourceColumnType> getRelatedColumns(
       std::vector<moxNamedDataSource> const&) const override {
     return getColumns();
@@ -119,8 +113,6 @@ class SQLDataSource final : public moxSQLDataSource,
   std::shared_ptr<moxSearch const> search() const { return search_; }
 
  private:
-  std::string name_;
-  std::string parentLibraryName_;
   std::string headerName_;
   std::string prefix_;
   std::string sql_;
