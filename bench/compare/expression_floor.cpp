@@ -3,8 +3,6 @@
 #include <immintrin.h>
 
 #include <algorithm>
-#include <bit>
-#include <cstring>
 #include <stdexcept>
 
 namespace bench {
@@ -26,22 +24,6 @@ void fill(FloorNumbers& column, std::size_t rows, std::uint64_t seed, double low
     column.cells.push(isNull ? 0 : lowest + static_cast<double>(noise / 20 % 100'000) / 100);
     column.nulls[row / 64] |= std::uint64_t{isNull} << (row % 64);
   }
-}
-
-/// The values of up to 64 rows: in the column itself, or copied with 0 where a null stands. What a
-/// null covers is not to be relied on in a column of the module, and so is not here.
-double const* valuesOf(FloorNumbers const& column, std::size_t first, std::size_t count,
-                       double* place) {
-  std::uint64_t nulls = column.nulls[first / 64];
-  double const* const cells = column.cells.data() + first;
-  if (nulls == 0) {
-    return cells;
-  }
-  std::memcpy(place, cells, count * sizeof(double));
-  for (; nulls != 0; nulls &= nulls - 1) {
-    place[std::countr_zero(nulls)] = 0;
-  }
-  return place;
 }
 
 /// Four rows at once; the last ones of a table by themselves.
@@ -81,14 +63,14 @@ __attribute__((target("avx2"))) void powersOfBlock(double const* a, double const
   }
 }
 
+/// A null stands over 0, which is what it counts as, so that no null is looked at.
 template <class Work>
 FloorNumbers compute(NumberTable const& table, Work work) {
   FloorNumbers result(table.rows);
-  double places[3][kBlock];
   for (std::size_t first = 0; first < table.rows; first += kBlock) {
     std::size_t const count = std::min(kBlock, table.rows - first);
     result.nulls[first / kBlock] = 0;
-    work(first, count, places, result.cells.data() + first);
+    work(first, count, result.cells.data() + first);
   }
   result.cells.setSize(table.rows);
   return result;
@@ -104,10 +86,10 @@ NumberTable::NumberTable(std::size_t rowCount)
 }
 
 FloorNumbers computeSums(NumberTable const& table) {
-  return compute(table, [&](std::size_t first, std::size_t count, auto& places, double* results) {
-    double const* const a = valuesOf(table.a, first, count, places[0]);
-    double const* const b = valuesOf(table.b, first, count, places[1]);
-    double const* const c = valuesOf(table.c, first, count, places[2]);
+  return compute(table, [&](std::size_t first, std::size_t count, double* results) {
+    double const* const a = table.a.cells.data() + first;
+    double const* const b = table.b.cells.data() + first;
+    double const* const c = table.c.cells.data() + first;
     if (sumsOfBlock(a, b, c, count, results)) {
       throw std::runtime_error("division by zero");
     }
@@ -115,10 +97,8 @@ FloorNumbers computeSums(NumberTable const& table) {
 }
 
 FloorNumbers computePowers(NumberTable const& table) {
-  return compute(table, [&](std::size_t first, std::size_t count, auto& places, double* results) {
-    double const* const a = valuesOf(table.a, first, count, places[0]);
-    double const* const b = valuesOf(table.b, first, count, places[1]);
-    powersOfBlock(a, b, count, results);
+  return compute(table, [&](std::size_t first, std::size_t count, double* results) {
+    powersOfBlock(table.a.cells.data() + first, table.b.cells.data() + first, count, results);
   });
 }
 

@@ -60,6 +60,7 @@ template <class Rows>
 void gatherNulls(NullBits const& source, Rows const& rows, NullBits& target) {
   constexpr std::size_t kEight = 8;
   target.pushValid(rows.size());
+  target.coverAs(source);
   for (std::size_t from = 0; from < rows.size(); from += kEight) {
     std::size_t const end = std::min(from + kEight, rows.size());
     unsigned int mask = 0;

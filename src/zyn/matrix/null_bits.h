@@ -6,6 +6,9 @@
 
 /// One bit a row, set where the row is null. Reading past the end is the caller's fault; columns
 /// check.
+///
+/// It also knows whether some null may cover a value other than the default: where none does, a
+/// loop that takes nulls for 0 reads the cells as they are.
 class NullBits {
  public:
   static constexpr std::size_t kBitsPerWord = 64;
@@ -15,8 +18,10 @@ class NullBits {
   void clear() {
     words_.clear();
     size_ = 0;
+    mayCoverValues_ = false;
   }
 
+  /// Adds a row; under a null the default stands.
   void push(bool null) {
     std::size_t const bit = size_ % kBitsPerWord;
     if (bit == 0) {
@@ -32,7 +37,7 @@ class NullBits {
     words_.resize(wordsFor(size_), 0);
   }
 
-  /// Adds rows that are null.
+  /// Adds rows that are null, each over the default.
   void pushNulls(std::size_t rows) {
     while (rows != 0 && size_ % kBitsPerWord != 0) {
       push(true);
@@ -58,6 +63,7 @@ class NullBits {
       }
     }
     size_ += rows;
+    mayCoverValues_ |= other.mayCoverValues_;
   }
 
   /// Replaces all rows; `isNull(row)` tells each, and is asked in ascending order.
@@ -68,19 +74,33 @@ class NullBits {
       words_[row / kBitsPerWord] |= std::uint64_t{isNull(row)} << (row % kBitsPerWord);
     }
     size_ = rows;
+    mayCoverValues_ = true;
   }
 
   bool test(std::size_t row) const {
     return (words_[row / kBitsPerWord] >> (row % kBitsPerWord)) & 1U;
   }
-  void set(std::size_t row) { words_[row / kBitsPerWord] |= maskOf(row); }
-  /// Sets the flags of eight rows from `row`, a multiple of 8, where the mask has a 1, the lowest
-  /// bit telling of the first row. The other flags stay.
+
+  /// A row becomes null, whatever stands there.
+  void set(std::size_t row) {
+    setBlank(row);
+    mayCoverValues_ = true;
+  }
+
+  /// A row in which the default stands becomes null.
+  void setBlank(std::size_t row) { words_[row / kBitsPerWord] |= maskOf(row); }
+
+  /// The same for eight rows from `row`, a multiple of 8, where the mask has a 1, the lowest bit
+  /// telling of the first row. The other flags stay.
   void setEight(std::size_t row, std::uint8_t mask) {
     words_[row / kBitsPerWord] |= std::uint64_t{mask} << (row % kBitsPerWord);
   }
 
   void reset(std::size_t row) { words_[row / kBitsPerWord] &= ~maskOf(row); }
+
+  /// To be told by whoever copies cells along with flags that are set one by one.
+  void coverAs(NullBits const& source) { mayCoverValues_ |= source.mayCoverValues_; }
+  bool mayCoverValues() const { return mayCoverValues_; }
 
   std::size_t size() const { return size_; }
 
@@ -106,4 +126,5 @@ class NullBits {
 
   std::vector<std::uint64_t> words_;
   std::size_t size_ = 0;
+  bool mayCoverValues_ = false;
 };

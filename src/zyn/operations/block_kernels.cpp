@@ -99,7 +99,11 @@ void places(BlockOperand const& left, BlockOperand const& right, double* results
   });
 }
 
-bool hasNulls(NullBits const& nulls, std::size_t first, std::size_t count) {
+/// Whether the cells of some rows must not be read as they are.
+bool coversValues(NullBits const& nulls, std::size_t first, std::size_t count) {
+  if (!nulls.mayCoverValues()) {
+    return false;
+  }
   constexpr std::size_t kBits = NullBits::kBitsPerWord;
   std::uint64_t const* const words = nulls.words();
   std::uint64_t found = 0;  // of whole words: a null too many only costs a copy
@@ -182,11 +186,12 @@ template <class T>
 void copyRows(ColumnStorage<T> const& storage, std::size_t first, std::size_t count,
               double* place) {
   T const* const cells = storage.values.cells();
+  bool const covers = storage.nulls.mayCoverValues();
   std::size_t const end = first + count;
   for (std::size_t row = first; row < end;) {
     std::size_t const bit = row % kWordRows;
     std::size_t const rows = std::min(kWordRows - bit, end - row);
-    std::uint64_t const nulls = storage.nulls.words()[row / kWordRows] >> bit;
+    std::uint64_t const nulls = covers ? storage.nulls.words()[row / kWordRows] >> bit : 0;
     if (rows == kWordRows) {
       copyWord(cells + row, nulls, place + (row - first));
     } else {
@@ -283,7 +288,7 @@ double const* loadBlock(BlockProgram::Load const& load, std::size_t first, std::
   auto const there = static_cast<std::size_t>(end - start);
   auto const* const doubles = load.column.doubles;
   if (there == count && doubles != nullptr && load.column.origin != ReadColumn::Origin::kSelf &&
-      !hasNulls(doubles->nulls, from, there)) {
+      !coversValues(doubles->nulls, from, there)) {
     return doubles->values.cells() + from;
   }
   std::fill(place, place + start, 0.0);

@@ -94,8 +94,8 @@ class AverageCells final : public TakenCells<kType, kKernel> {
 
   std::vector<MatrixColumn> columns(std::vector<std::uint32_t> const& places) override {
     MatrixColumn const sums = TakenCells<kType, kKernel>::columns(places).front();
-    using T = typename moxDataMatrixValue<kType>::Type;
-    auto& averages = dynamic_cast<CommonColumn<T>&>(*sums).storage();
+    using Sum = typename moxDataMatrixValue<kType>::Type;
+    auto& averages = dynamic_cast<CommonColumn<Sum>&>(*sums).storage();
     MatrixColumn const counters = makeColumn(moxDataMatrixTypes::Int);
     counters->setName(sums->getName() + "$Counter");
     auto& counts = dynamic_cast<CommonColumn<int>&>(*counters).storage();

@@ -6,15 +6,16 @@
 #include <cstdint>
 #include <type_traits>
 
-#if defined(__SSE2__)
-#include <emmintrin.h>
+#if defined(__x86_64__)
+#include <immintrin.h>
 #endif
 
 namespace exact_power {
 
 namespace {
 
-constexpr std::size_t kBlock = 256;
+constexpr std::size_t kWordRows = 64;  // as many rows as a word has bits
+constexpr std::size_t kBlock = 8 * kWordRows;
 
 // Inside these bounds neither a cube nor what its rounding leaves over can be too large or too
 // small for a double, and std::pow is at its best: its error grows with the logarithm.
@@ -22,8 +23,8 @@ constexpr double kSmallest = 1e-9;
 constexpr double kLargest = 1e9;
 
 // The rounded value is what std::pow gives as well when the true value lies within so many units in
-// the last place of it: the errors of common libraries' std::pow stay below 0.514 units there.
-constexpr double kSafeUnits = 0.485;
+// the last place of it: the errors of common libraries' std::pow stay below 0.512 units there.
+constexpr double kSafeUnits = 0.488;
 
 /// A value as a rounded part and what the rounding left over.
 struct Pair {
@@ -52,9 +53,31 @@ struct Halves {
     Pair const square = product(root, root);
     return (base - square.high) - square.low;
   }
+
+  /// Not std::sqrt: it sets errno for negative values, which keeps compilers from taking several at
+  /// once.
+  static void squareRoots(double const* bases, double* results) {
+    for (std::size_t i = 0; i < kWordRows; i += 2) {
+#if defined(__x86_64__)
+      _mm_storeu_pd(results + i, _mm_sqrt_pd(_mm_loadu_pd(bases + i)));
+#else
+      results[i] = std::sqrt(bases[i]);
+      results[i + 1] = std::sqrt(bases[i + 1]);
+#endif
+    }
+  }
+
+  static std::uint64_t bitsOfUnsafe(std::uint64_t const* safe) {
+    std::uint64_t bits = 0;
+    for (std::size_t i = 0; i < kWordRows; ++i) {
+      bits |= (~safe[i] & 1U) << i;
+    }
+    return bits;
+  }
 };
 
-/// The same by an instruction that newer processors have.
+#if defined(__x86_64__)
+/// The same by instructions that newer processors have.
 struct Fused {
   static Pair product(double left, double right) {
     double const high = left * right;
@@ -62,7 +85,24 @@ struct Fused {
   }
 
   static double missing(double base, double root) { return __builtin_fma(-root, root, base); }
+
+  [[gnu::target("avx2")]] static void squareRoots(double const* bases, double* results) {
+    for (std::size_t i = 0; i < kWordRows; i += 4) {
+      _mm256_storeu_pd(results + i, _mm256_sqrt_pd(_mm256_loadu_pd(bases + i)));
+    }
+  }
+
+  [[gnu::target("avx2")]] static std::uint64_t bitsOfUnsafe(std::uint64_t const* safe) {
+    auto const* const masks = reinterpret_cast<double const*>(safe);
+    std::uint64_t bits = 0;
+    for (std::size_t i = 0; i < kWordRows; i += 4) {
+      auto const four = static_cast<unsigned int>(_mm256_movemask_pd(_mm256_loadu_pd(masks + i)));
+      bits |= std::uint64_t{four} << i;
+    }
+    return ~bits;
+  }
 };
+#endif
 
 /// The distance between a positive double and the next one below it.
 inline double unitBelow(double value) {
@@ -118,53 +158,43 @@ struct Root {
 
 template <class Power, class Exact>
 void roundedPowers(double const* __restrict bases, double* __restrict results,
-                   std::uint64_t* __restrict safe, std::size_t count) {
-  for (std::size_t i = 0; i < count; ++i) {
+                   std::uint64_t* __restrict safe) {
+  for (std::size_t i = 0; i < kWordRows; ++i) {
     results[i] = Power::template compute<Exact>(bases[i], safe[i]);
-  }
-}
-
-/// std::sqrt sets errno for negative values, which keeps compilers from taking several at once.
-void squareRoots(double const* bases, double* results, std::size_t count) {
-  std::size_t i = 0;
-#if defined(__SSE2__)
-  for (; i + 2 <= count; i += 2) {
-    _mm_storeu_pd(results + i, _mm_sqrt_pd(_mm_loadu_pd(bases + i)));
-  }
-#endif
-  for (; i < count; ++i) {
-    results[i] = std::sqrt(bases[i]);
   }
 }
 
 /// What the square of the root misses of the base, divided by twice the root, is the root's error.
 template <class Exact>
 void roundedRoots(double const* __restrict bases, double* __restrict results,
-                  std::uint64_t* __restrict safe, std::size_t count) {
-  squareRoots(bases, results, count);
-  for (std::size_t i = 0; i < count; ++i) {
+                  std::uint64_t* __restrict safe) {
+  Exact::squareRoots(bases, results);
+  for (std::size_t i = 0; i < kWordRows; ++i) {
     double const root = results[i];
     double const missing = std::fabs(Exact::missing(bases[i], root));
     safe[i] = safety(bases[i], missing, 2 * kSafeUnits * root * unitBelow(root));
   }
 }
 
+/// The powers of 64 bases; the bits of the rows whose result is not safe.
 template <class Power, class Exact>
-void rounded(double const* bases, double* results, std::uint64_t* safe, std::size_t count) {
+std::uint64_t rounded(double const* bases, double* results) {
+  std::uint64_t safe[kWordRows];
   if constexpr (std::is_same_v<Power, Root>) {
-    roundedRoots<Exact>(bases, results, safe, count);
+    roundedRoots<Exact>(bases, results, safe);
   } else {
-    roundedPowers<Power, Exact>(bases, results, safe, count);
+    roundedPowers<Power, Exact>(bases, results, safe);
   }
+  return Exact::bitsOfUnsafe(safe);
 }
 
-using RoundedPowers = void (*)(double const*, double*, std::uint64_t*, std::size_t);
+using RoundedPowers = std::uint64_t (*)(double const*, double*);
 
 #if defined(__x86_64__)
 template <class Power>
-[[gnu::target("avx2,fma"), gnu::flatten]] void fusedPowers(double const* bases, double* results,
-                                                           std::uint64_t* safe, std::size_t count) {
-  rounded<Power, Fused>(bases, results, safe, count);
+[[gnu::target("avx2,fma"), gnu::flatten]] std::uint64_t fusedPowers(double const* bases,
+                                                                    double* results) {
+  return rounded<Power, Fused>(bases, results);
 }
 
 template <class Power>
@@ -180,21 +210,55 @@ RoundedPowers bestPowers() {
 }
 #endif
 
+/// The same for the last rows, less than 64.
+std::uint64_t roundedRest(RoundedPowers compute, double const* bases, double* results,
+                          std::size_t count) {
+  double padded[kWordRows] = {};  // a base of 0 is safe
+  double powers[kWordRows];
+  std::copy(bases, bases + count, padded);
+  std::uint64_t const unsafe = compute(padded, powers);
+  std::copy(powers, powers + count, results);
+  return unsafe;
+}
+
+/// Has memory bring the bases of a word of the next block. Nothing is read, so that it does not
+/// matter where they end.
+void askFor(double const* bases) {
+  constexpr std::size_t kLine = 64 / sizeof(double);
+  for (std::size_t i = 0; i < kWordRows; i += kLine) {
+    __builtin_prefetch(bases + i);
+  }
+}
+
+/// Up to a block of powers. Those for std::pow are listed first and called for in one go: a call
+/// after each look at a row would wait for the one before.
+void powersOfBlock(RoundedPowers compute, double exponent, double const* bases, double* results,
+                   std::size_t count) {
+  std::size_t unsafe[kBlock];
+  std::size_t unsafeCount = 0;
+  for (std::size_t first = 0; first < count; first += kWordRows) {
+    std::size_t const rows = std::min(kWordRows, count - first);
+    askFor(bases + first + kBlock);
+    std::uint64_t bits = rows == kWordRows
+                             ? compute(bases + first, results + first)
+                             : roundedRest(compute, bases + first, results + first, rows);
+    for (; bits != 0; bits &= bits - 1) {
+      unsafe[unsafeCount++] = first + static_cast<std::size_t>(std::countr_zero(bits));
+    }
+  }
+  for (std::size_t i = 0; i < unsafeCount; ++i) {
+    results[unsafe[i]] = std::pow(bases[unsafe[i]], exponent);
+  }
+}
+
 template <class Power>
 void powersOf(double const* bases, double* results, std::size_t count) {
   // Read anew, as compilers take std::pow with a known exponent for a product, which it is not.
-  double const volatile unknown = Power::kExponent;
-  double const exponent = unknown;
+  double const volatile exponent = Power::kExponent;
   RoundedPowers const compute = bestPowers<Power>();
-  std::uint64_t safe[kBlock];
   for (std::size_t first = 0; first < count; first += kBlock) {
-    std::size_t const rows = std::min(kBlock, count - first);
-    compute(bases + first, results + first, safe, rows);
-    for (std::size_t i = 0; i < rows; ++i) {
-      if (safe[i] == 0) {
-        results[first + i] = std::pow(bases[first + i], exponent);
-      }
-    }
+    powersOfBlock(compute, exponent, bases + first, results + first,
+                  std::min(kBlock, count - first));
   }
 }
 

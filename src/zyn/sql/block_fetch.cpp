@@ -49,7 +49,7 @@ void appendNulls(NullBits& bits, NullBytes const& bytes, std::size_t rows) {
   }
   for (; row < rows; ++row) {
     if (bytes[row] != 0) {
-      bits.set(start + row);
+      bits.setBlank(start + row);
     }
   }
 }

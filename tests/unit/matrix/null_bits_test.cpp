@@ -145,3 +145,37 @@ TEST(NullBits, AClearedOneStartsAnew) {
   EXPECT_FALSE(bits.test(0));
   EXPECT_TRUE(bits.test(1));
 }
+
+TEST(NullBits, OnlyARowThatHadAValueMayCoverOne) {
+  NullBits bits;
+  bits.push(true);
+  bits.pushValid(8);
+  bits.pushNulls(3);
+  bits.setBlank(1);
+  bits.setEight(0, 0xFF);
+  EXPECT_FALSE(bits.mayCoverValues());
+
+  bits.set(8);
+  EXPECT_TRUE(bits.mayCoverValues());
+
+  bits.clear();
+  EXPECT_FALSE(bits.mayCoverValues());
+}
+
+TEST(NullBits, CoveredValuesAreToldOnToCopies) {
+  NullBits covering;
+  covering.pushValid(1);
+  covering.set(0);
+
+  NullBits appended;
+  appended.append(covering, 1);
+  NullBits told;
+  told.coverAs(covering);
+  told.coverAs(NullBits());
+  NullBits assigned;
+  assigned.assign(1, [](std::size_t) { return true; });
+
+  EXPECT_TRUE(appended.mayCoverValues());
+  EXPECT_TRUE(told.mayCoverValues());
+  EXPECT_TRUE(assigned.mayCoverValues());
+}

@@ -9,6 +9,8 @@
 #include <vector>
 
 #include "mox/zyn/expressions/expression_context.h"
+#include "mox/zyn/matrix/data_matrix_sorter.h"
+#include "mox/zyn/matrix/data_matrix_union.h"
 #include "support/foreign_column.h"
 #include "support/matrix_builder.h"
 #include "support/test_host.h"
@@ -92,6 +94,44 @@ TEST_F(DataMatrixExpressionProcessor, WhatStandsUnderANullIsNotSeen) {
   add("mais", "valor(0)+1");
 
   EXPECT_THAT(processed(input), isMatrix({{"valor", ints(null, 5)}, {"mais", doubles(1, 6)}}));
+}
+
+/// A thousand values, of which every third is a null that covers what it was.
+std::shared_ptr<moxDataMatrix> matrixThatCoversValues(TestHost& host) {
+  auto const column = host.get<moxDataMatrixDoubleColumn>("moxDataMatrixDoubleColumn");
+  column->setName("valor");
+  for (int row = 0; row < 1000; ++row) {
+    column->appendValue(row + 1);
+  }
+  auto const cursor = column->begin();
+  for (unsigned int row = 0; row < 1000; row += 3) {
+    cursor->goTo(row);
+    cursor->setNull();
+  }
+  auto matrix = host.get<moxDataMatrix>("moxDataMatrix");
+  matrix->addColumn(column);
+  return matrix;
+}
+
+TEST_F(DataMatrixExpressionProcessor, WhatStandsUnderNullsIsNotSeenInCopiesEither) {
+  auto const input = matrixThatCoversValues(host_);
+  auto const sorter = host_.get<moxDataMatrixSorter>("moxDataMatrixSorter");
+  sorter->pushSortColumn("valor", false);
+  auto const both = host_.get<moxDataMatrixUnion>("moxDataMatrixUnion");
+  both->pushSourceDataMatrix(input, {"valor"});
+  both->pushSourceDataMatrix(input, {"valor"});
+  add("mais", "valor(0)+1");
+
+  for (auto const& matrix : {input, sorter->transform(input), both->process("")}) {
+    auto const result = processed(matrix);
+    auto const valor = matrix->columnByName("valor");
+    auto const mais =
+        std::dynamic_pointer_cast<moxDataMatrixDoubleColumn>(matrix->columnByName("mais"));
+    for (unsigned int row = 0; row < valor->numRows(); ++row) {
+      auto const& doubles = dynamic_cast<moxDataMatrixDoubleColumn&>(*valor);
+      ASSERT_EQ(mais->getValue(row), valor->isNull(row) ? 1 : doubles.getValue(row) + 1);
+    }
+  }
 }
 
 TEST_F(DataMatrixExpressionProcessor, AZeroCanBecomeANull) {
