@@ -32,8 +32,9 @@ MatrixColumn emptyLike(moxDataMatrixColumn const& column) {
 }
 
 MatrixColumn asOwn(MatrixColumn const& column, std::uint32_t rows) {
-  bool const own = withStorage(*column, [](auto const&) {});
-  return own ? column : ownCopyOf(*column, rows);
+  bool isWhole = false;
+  withStorage(*column, [&](auto const& storage) { isWhole = storage.size() >= rows; });
+  return isWhole ? column : ownCopyOf(*column, rows);
 }
 
 MatrixColumn gathered(MatrixColumn const& column, RowOrder const& order) {

@@ -19,8 +19,10 @@ std::shared_ptr<moxDataMatrix> newMatrix();
 /// A new empty column of the same kind, name and formatter.
 MatrixColumn emptyLike(moxDataMatrixColumn const& column);
 
-/// The column itself when its storage can be opened; one of foreign make is read through its
-/// published face into one of our own, which has its first `rows` rows.
+/// A column whose storage can be opened and has `rows` rows at least: the column itself, or its
+/// first `rows` rows, read through its published face, with nulls behind its end. Loops over plain
+/// arrays rely on it, whatever a matrix of foreign make says of its rows, or a source that was
+/// changed too early.
 MatrixColumn asOwn(MatrixColumn const& column, std::uint32_t rows);
 
 /// Rows of a column, in the order of the row numbers, as a new column.

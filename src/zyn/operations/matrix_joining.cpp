@@ -104,7 +104,7 @@ std::shared_ptr<moxDataMatrix> MatrixJoining::process() {
 }
 
 MatrixColumn MatrixJoining::own(MatrixColumn const& column, std::uint32_t rows) {
-  auto& known = own_[column];
+  auto& known = own_[{column, rows}];
   known = known ? known : asOwn(column, rows);
   return known;
 }

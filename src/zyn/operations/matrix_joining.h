@@ -4,6 +4,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "zyn/matrix/column_copy.h"
@@ -99,8 +100,9 @@ class MatrixJoining {
 
   std::vector<Source> sources_;
   std::vector<ResultColumn> columns_;
-  std::map<MatrixColumn, MatrixColumn> own_;  // of columns of foreign make
-  std::uint32_t rows_ = 0;                    // so far
-  bool begun_ = false;                        // some row has come, though it may be gone again
+  /// Copies of columns of foreign make, which may stand in several sources with fewer or more rows.
+  std::map<std::pair<MatrixColumn, std::uint32_t>, MatrixColumn> own_;
+  std::uint32_t rows_ = 0;  // so far
+  bool begun_ = false;      // some row has come, though it may be gone again
   bool hasSourceWithoutRows_ = false;
 };

@@ -74,6 +74,38 @@ TEST(DataMatrixJoin, KeepsColumnsOfOneNameFromTwoSources) {
       isMatrix({{"a", ints(1)}, {"a", texts("x")}}));
 }
 
+TEST(DataMatrixJoin, CountsOnlyRowsThatStandInEveryColumnOfASource) {
+  TestHost host;
+  Matrix const uneven = matrix({{"a", ints(1, 2, 3)}, {"b", ints(1)}});
+
+  EXPECT_THAT(joinOf(host, {{uneven, {"a"}}, {matrix({{"c", ints(7, 8)}}), {"c"}}}),
+              isMatrix({{"a", ints(1, null)}, {"c", ints(7, 8)}}));
+}
+
+TEST(DataMatrixJoin, GivesTheSameAgainAndTakesMoreSources) {
+  TestHost host;
+  auto const engine = host.get<moxDataMatrixJoin>("moxDataMatrixJoin");
+  Matrix const data = matrix({{"a", texts("x", null)}});
+  engine->pushSourceDataMatrix(data, {"a"});
+  EXPECT_THAT(engine->process(), isMatrix({{"a", texts("x", null)}}));
+  EXPECT_THAT(engine->process(), isMatrix({{"a", texts("x", null)}}));
+
+  engine->pushSourceDataMatrix(data, {"a"});
+  EXPECT_THAT(engine->process(), isMatrix({{"a", texts("x", null)}, {"a", texts("x", null)}}));
+}
+
+TEST(DataMatrixJoin, AColumnThatLeftItsSourceAndLostItsRowsIsNull) {
+  TestHost host;
+  Matrix const data = matrix({{"a", texts("x", "y")}, {"b", ints(1, 2)}});
+  auto const engine = host.get<moxDataMatrixJoin>("moxDataMatrixJoin");
+  engine->pushSourceDataMatrix(data, {"a", "b"});
+  auto const gone = data->columnByName("a");
+  data->dropColumn(gone);
+  gone->clear();
+
+  EXPECT_THAT(engine->process(), isMatrix({{"a", texts(null, null)}, {"b", ints(1, 2)}}));
+}
+
 TEST(DataMatrixJoin, TellsWhichColumnIsMissingAndForgetsTheSource) {
   TestHost host;
   auto const engine = host.get<moxDataMatrixJoin>("moxDataMatrixJoin");

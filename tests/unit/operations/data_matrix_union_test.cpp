@@ -150,6 +150,29 @@ TEST(DataMatrixUnion, CountsOnlyRowsThatStandInEveryColumnOfASource) {
               isMatrix({{"a", ints(1, 9)}}));
 }
 
+TEST(DataMatrixUnion, ASourceMayComeTwice) {
+  TestHost host;
+  Matrix const data = matrix({{"a", texts("x", "a text beyond the reference")}, {"b", ints(1, 2)}});
+
+  EXPECT_THAT(unionOf(host, {{data, {"a", "a"}}, {data, {"a", "b"}}}),
+              isMatrix({{"a", texts("x", "a text beyond the reference", "x",
+                                    "a text beyond the reference")},
+                        {"a", texts("x", "a text beyond the reference", null, null)}}));
+}
+
+TEST(DataMatrixUnion, AColumnThatLeftItsSourceAndLostItsRowsIsNull) {
+  TestHost host;
+  Matrix const data = matrix({{"a", texts("x", "y", "z")}, {"b", ints(1, 2, 3)}});
+  auto const engine = host.get<moxDataMatrixUnion>("moxDataMatrixUnion");
+  engine->pushSourceDataMatrix(data, {"a", "b"});
+  auto const gone = data->columnByName("a");
+  data->dropColumn(gone);
+  gone->clear();
+
+  EXPECT_THAT(engine->process(""),
+              isMatrix({{"a", texts(null, null, null)}, {"b", ints(1, 2, 3)}}));
+}
+
 TEST(DataMatrixUnion, GivesTheSameAgain) {
   TestHost host;
   auto const engine = host.get<moxDataMatrixUnion>("moxDataMatrixUnion");
