@@ -135,7 +135,9 @@ void DataMatrixPivoting::addCells(moxDataMatrix& source, KeyGroups const& groups
   for (auto const& column : columns_) {
     combinations.add(ownColumn(source, column.columnName), column.formatter);
   }
-  refuseTooManyColumns(rows_.size() + combinations.labels().size() * cells_.size());
+  std::size_t const columns = rows_.size() + combinations.labels().size() * cells_.size();
+  refuseTooManyColumns(columns);
+  refuseTooManyCells(groups.firstRow.size(), columns);
   std::vector<MatrixColumn> sources;
   for (auto const& cell : cells_) {
     sources.push_back(ownColumn(source, cell.columnName));

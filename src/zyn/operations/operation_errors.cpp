@@ -14,6 +14,7 @@ namespace {
 
 constexpr std::uint64_t kRows = 100'000'000;
 constexpr std::uint64_t kColumns = 10'000;
+constexpr std::uint64_t kCells = 200'000'000;
 
 /// The limit that the application's administrator set, and never more than a column can count.
 std::uint64_t limitOf(char const* key, std::uint64_t byDefault) {
@@ -50,4 +51,8 @@ void refuseTooManyRows(std::uint64_t rows) {
 
 void refuseTooManyColumns(std::uint64_t columns) {
   refuseBeyond(columns, limitOf("columns", kColumns), "colunas", "columns");
+}
+
+void refuseTooManyCells(std::uint64_t rows, std::uint64_t columns) {
+  refuseBeyond(rows * columns, limitOf("cells", kCells), "células", "cells");
 }

@@ -18,3 +18,7 @@ void refuseTooManyRows(std::uint64_t rows);
 
 /// The same for the columns of a cross table ([limits] columns).
 void refuseTooManyColumns(std::uint64_t columns);
+
+/// The same for the cells of a cross table ([limits] cells), of which there may be far more than
+/// there were rows to make it of.
+void refuseTooManyCells(std::uint64_t rows, std::uint64_t columns);
