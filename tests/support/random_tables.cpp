@@ -90,8 +90,29 @@ std::shared_ptr<moxDataMatrixColumn> RandomTables::column(std::string const& nam
                                                           moxDataMatrixTypes::Types type,
                                                           unsigned int rows) {
   Cells const made = cells(type, rows);
-  return options_.foreignColumns && pick(6) == 0 ? foreignColumn(name, made)
-                                                 : mox_test::column(name, made);
+  if (options_.foreignColumns && pick(6) == 0) {
+    return foreignColumn(name, made);
+  }
+  return pick(2) == 0 ? withHiddenValues(name, made) : mox_test::column(name, made);
+}
+
+std::shared_ptr<moxDataMatrixColumn> RandomTables::withHiddenValues(std::string const& name,
+                                                                    Cells const& cells) {
+  Cells filled = cells;
+  for (Cell& cell : filled.values) {
+    if (cell == Cell(null)) {
+      cell = value(cells.type);
+    }
+  }
+  auto made = mox_test::column(name, filled);
+  auto const cursor = made->begin();
+  for (unsigned int row = 0; row < cells.values.size(); ++row) {
+    if (cells.values[row] == Cell(null)) {
+      cursor->goTo(row);
+      cursor->setNull();
+    }
+  }
+  return made;
 }
 
 std::shared_ptr<moxDataMatrix> RandomTables::table() {
@@ -100,7 +121,9 @@ std::shared_ptr<moxDataMatrix> RandomTables::table() {
   std::size_t const columns = 1 + pick(options_.maxColumns);
   for (std::size_t i = 0; i < columns; ++i) {
     std::size_t const number = options_.repeatedNames && pick(8) == 0 ? pick(columns) : i;
-    made->addColumn(column("c" + std::to_string(number), type(), rows));
+    bool const isLonger = options_.unevenColumns && pick(10) == 0;
+    unsigned int const length = rows + (isLonger ? static_cast<unsigned int>(pick(4)) : 0);
+    made->addColumn(column("c" + std::to_string(number), type(), length));
   }
   return made;
 }

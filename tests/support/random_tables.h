@@ -18,11 +18,12 @@ struct RandomTableOptions {
   bool blobs = true;
   bool foreignColumns = true;  // that share no code with the module's own
   bool repeatedNames = true;
+  bool unevenColumns = true;  // some with rows that the table does not have
 };
 
 /// Small tables for property tests: few different values, so that keys meet; nulls, -0.0,
-/// infinities and NaN, texts short and long, seconds that differ below the second, tables without
-/// rows. The same seed gives the same tables.
+/// infinities and NaN, texts short and long, seconds that differ below the second, values that stay
+/// under a null, tables without rows. The same seed gives the same tables.
 class RandomTables {
  public:
   explicit RandomTables(std::uint64_t seed, RandomTableOptions options = {})
@@ -42,6 +43,8 @@ class RandomTables {
   moxDataMatrixTypes::Types type();
 
  private:
+  std::shared_ptr<moxDataMatrixColumn> withHiddenValues(std::string const& name,
+                                                        Cells const& cells);
   Cell value(moxDataMatrixTypes::Types type);
   Cells cells(moxDataMatrixTypes::Types type, unsigned int rows);
 

@@ -444,53 +444,36 @@ TEST(DataMatrixAggregator, ColumnsAreTheIndexesAndTheTargetsWithoutCounters) {
                                                                {"seen", Types::Int}}));
 }
 
-TEST(DataMatrixAggregator, GoesThroughXml) {
-  TestHost host;
-  auto const engine = aggregator(host, {"turma", "ano"},
-                                 {{"moxDoubleAvg", "nota", "media"}, {"moxTextFirst", "a", "b"}});
-  auto const document = host.get<moxXMLDocument>("moxXMLDocument");
-  EXPECT_TRUE(engine->save(document->root()));
-  std::string const text =
-      "<moxDataMatrixAggregator><Indexes><Index name=\"turma\"/><Index name=\"ano\"/></Indexes>"
-      "<Functions><moxDoubleAvg source=\"nota\" target=\"media\"/>"
-      "<moxTextFirst source=\"a\" target=\"b\"/></Functions></moxDataMatrixAggregator>";
-  EXPECT_EQ(document->writeText(0, 0), text);
-
-  auto const loaded = aggregator(host, {"old"}, {{"moxTextLast", "x", "y"}});
-  EXPECT_TRUE(loaded->load(document->root()));
-  document->create();
-  EXPECT_TRUE(loaded->save(document->root()));
-  EXPECT_EQ(document->writeText(0, 0), text);
+TEST(DataMatrixAggregator, WhatTheDatabaseRefusesIsAFailure) {
+  TestHost host(TestHost::kMemoryDatabase);
+  auto const engine =
+      aggregator(host, {}, {{"moxIntegralSum", "v", "r"}, {"moxIntegralMin", "v", "r"}});
+  EXPECT_THROW(engine->aggregate(matrix({{"v", ints(1)}}), false, "duas"), moxError)
+      << "no table has two columns of one name";
 }
 
-TEST(DataMatrixAggregator, AnEmptyNodeChangesNothing) {
+TEST(DataMatrixAggregator, ThousandsOfFunctionsAreNoTrouble) {
   TestHost host;
-  auto const engine = aggregator(host, {"k"}, {{"moxTextLast", "x", "y"}});
-  EXPECT_FALSE(engine->load(nullptr));
-  EXPECT_FALSE(engine->save(nullptr));
-  EXPECT_EQ(engine->getIndexes(), std::vector<std::string>{"k"});
-  EXPECT_EQ(engine->getFunctions().size(), 1U);
-}
-
-TEST(DataMatrixAggregator, LoadWithoutListsEmptiesBoth) {
-  TestHost host;
-  auto const engine = aggregator(host, {"k"}, {{"moxTextLast", "x", "y"}});
-  EXPECT_TRUE(engine->load(host.get<moxXMLDocument>("moxXMLDocument")->root()));
-  EXPECT_TRUE(engine->getIndexes().empty());
-  EXPECT_TRUE(engine->getFunctions().empty());
-}
-
-TEST(DataMatrixAggregator, LoadFailsForAnUnknownFunctionAndPassesOverOtherClasses) {
-  TestHost host;
-  auto const document = host.get<moxXMLDocument>("moxXMLDocument");
-  document->loadText("<a><Functions><moxTextFirst/><moxNoSuch/></Functions></a>");
+  constexpr int kFunctions = 3'000;
+  auto const input = matrix({{"k", ints(1, 2, 1)}});
   auto const engine = aggregator(host, {"k"}, {});
-  EXPECT_THROW(engine->load(document->root()), moxPluginNotFound);
+  for (int i = 0; i < kFunctions; ++i) {
+    std::string const number = std::to_string(i);
+    input->addColumn(column("v" + number, ints(i, null, i)));
+    engine->addFunction(function(host, "moxIntegralSum", "v" + number, "s" + number));
+  }
+  auto const result = engine->aggregate(input, false, "");
+  ASSERT_EQ(result->columnCount(), kFunctions + 1U);
+  EXPECT_EQ(cellAt(*result->columnAt(kFunctions), 0), Cell(2 * (kFunctions - 1)));
+  EXPECT_EQ(cellAt(*result->columnAt(kFunctions), 1), Cell(null));
+}
 
-  document->loadText("<a><Functions><moxDataMatrix/><moxTextFirst/></Functions></a>");
-  EXPECT_TRUE(engine->load(document->root()));
-  ASSERT_EQ(engine->getFunctions().size(), 1U);
-  EXPECT_EQ(engine->getFunctions().front()->name(), "moxTextFirst");
+TEST(DataMatrixAggregator, NamesMayBeEmptyOrHoldAnyBytes) {
+  TestHost host;
+  std::string const odd("a\0\"\xff\n", 5);
+  auto const input = matrix({{"", texts("x", "x")}, {odd, ints(1, 2)}});
+  EXPECT_THAT(aggregator(host, {""}, {{"moxIntegralSum", odd, odd}})->aggregate(input, false, ""),
+              isMatrix({{"", texts("x")}, {odd, ints(3)}}));
 }
 
 TEST(DataMatrixAggregator, WithoutAMatrixIsAMistakeOfTheProgram) {

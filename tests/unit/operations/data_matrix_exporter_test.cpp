@@ -111,6 +111,49 @@ TEST_F(DataMatrixExporterTest, ValuesStandAsTheyAre) {
   EXPECT_EQ(exported(*exporterOf(data), data), "um;dois\nlinha\noutra\n\"aspas\"\n");
 }
 
+TEST_F(DataMatrixExporterTest, ASeparatorMayHaveManyBytesOrNone) {
+  Matrix const data = matrix({{"a", ints(1, 2)}, {"b", texts("x", null)}, {"c", ints(3, 4)}});
+  auto const exporter = exporterOf(data);
+  csvOf(*exporter)->setHeaderFormatter("Exportar");
+
+  csvOf(*exporter)->setSeparator(" | ");
+  EXPECT_EQ(exported(*exporter, data), "a | b | c\n1 | x | 3\n2 |  | 4\n");
+
+  csvOf(*exporter)->setSeparator("");
+  EXPECT_EQ(exported(*exporter, data), "abc\n1x3\n24\n");
+}
+
+TEST_F(DataMatrixExporterTest, VeryLongCellsAndNamesAreWrittenWhole) {
+  std::string const name(700'000, 'n');
+  std::string const cell(900'000, 'c');
+  std::string const separator(300'000, 's');
+  Matrix const data = matrix({{name, texts(cell, "x", cell)}, {"", ints(1, 2, 3)}});
+  auto const exporter = exporterOf(data);
+  csvOf(*exporter)->setHeaderFormatter("Exportar");
+  csvOf(*exporter)->setSeparator(separator);
+
+  EXPECT_TRUE(exported(*exporter, data) == name + separator + "\n" + cell + separator + "1\nx" +
+                                               separator + "2\n" + cell + separator + "3\n");
+}
+
+TEST_F(DataMatrixExporterTest, AFormatWithoutAnExporterWritesNoHeadings) {
+  auto const format = host_.get<moxDataMatrixExporterCSVFormat>(kCsv);
+  format->setHeaderFormatter("Exportar");
+  auto const path = directory_.path() / "alone.csv";
+
+  format->exportToFile(path.string(), std::make_shared<ForeignRow>(column("a", ints(1))));
+  EXPECT_EQ(contentOf(path), "<0>;<0>\n");
+
+  auto exporter = host_.get<moxDataMatrixExporter>("moxDataMatrixExporter");
+  format->setParentExporter(exporter);
+  format->exportToFile(path.string(), std::make_shared<ForeignRow>(column("a", ints(1))));
+  EXPECT_EQ(contentOf(path), "número;número\n<0>;<0>\n");
+
+  exporter.reset();
+  format->exportToFile(path.string(), std::make_shared<ForeignRow>(column("a", ints(1))));
+  EXPECT_EQ(contentOf(path), "<0>;<0>\n") << "an exporter that is gone is none";
+}
+
 TEST_F(DataMatrixExporterTest, TheHeaderExportarNeedsNoFormatterInTheList) {
   Matrix const data = matrix({{"a", ints(1)}, {"b", ints(2)}});
   auto const exporter = exporterOf(data);
@@ -299,7 +342,7 @@ std::shared_ptr<DME::Internals::ExportRow> rowOf(moxDataMatrix& data) {
 }  // namespace
 
 TEST_F(DataMatrixExporterTest, WritesWhatTheRowsPublishedFaceTells) {
-  RandomTables random(20240307);
+  RandomTables random(20240307, {.unevenColumns = false});
   auto const format = host_.get<moxDataMatrixExporterFormat>(kCsv);
   auto const fast = directory_.path() / "fast.csv";
   auto const plain = directory_.path() / "plain.csv";

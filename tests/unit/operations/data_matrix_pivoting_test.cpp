@@ -347,6 +347,27 @@ TEST(DataMatrixPivoting, LabelsAreMadeByTheFormatter) {
               isMatrix({{"turma 3", ints(1)}}));
 }
 
+TEST(DataMatrixPivoting, WithoutAFormatterLabelsAreThoseOfTheKindOfValues) {
+  TestHost host;
+  auto const input = matrix({{"i", ints(1234)},
+                             {"n", doubles(12.25)},
+                             {"t", texts("x")},
+                             {"d", dates("2024-03-05 10:20:30")},
+                             {"b", blobs("y")},
+                             {"v", ints(1)}});
+  EXPECT_THAT(pivoting(host, {}, {"i", "n", "t", "d", "b"}, {{"v", "moxIntegralSum"}})
+                  ->process(input, nullptr),
+              isMatrix({{"1234 12 x 05/03/2024 ", ints(1)}}));
+}
+
+TEST(DataMatrixPivoting, LabelsMayHoldAnyBytes) {
+  TestHost host;
+  std::string const odd("\0\xff\n;", 4);
+  auto const input = matrix({{"", texts(odd, "")}, {"v", ints(1, 2)}});
+  EXPECT_THAT(pivoting(host, {}, {""}, {{"v", "moxIntegralSum"}})->process(input, nullptr),
+              isMatrix({{odd, ints(1)}, {"", ints(2)}}));
+}
+
 TEST(DataMatrixPivoting, TellsWhichColumnOfTheSourceEachKeyCopies) {
   TestHost host;
   auto const input = matrix({{"a", ints(1)}, {"b", texts("x")}, {"v", ints(1)}});
