@@ -286,13 +286,10 @@ testing::AssertionResult sameMatrix(moxDataMatrix const& actual, moxDataMatrix c
 
 bool MatrixMatcher::MatchAndExplain(std::shared_ptr<moxDataMatrix const> const& actual,
                                     std::ostream* why) const {
-  if (!actual) {
-    *why << "which is no matrix but an empty pointer";
-    return false;
-  }
-  auto const result = sameMatrix(*actual, *expected_);
-  if (!result) {
-    *why << "which differs:\n" << result.message();
+  auto const result = actual ? sameMatrix(*actual, *expected_) : testing::AssertionFailure();
+  if (!result && why != nullptr) {  // asked twice: first whether, without a stream, and then why
+    *why << (actual ? "which differs:\n" : "which is no matrix but an empty pointer")
+         << result.message();
   }
   return static_cast<bool>(result);
 }

@@ -43,6 +43,20 @@ TEST_F(MatrixBuilder, ComparisonSaysWhichCellDiffers) {
               testing::StartsWith("column 0 \"k\", row 1: 2, expected null\nactual:\n"));
 }
 
+TEST_F(MatrixBuilder, TheMatcherTellsWhetherAndWhy) {
+  testing::Matcher<std::shared_ptr<moxDataMatrix>> const matcher = isMatrix({{"k", ints(1, null)}});
+  EXPECT_TRUE(matcher.Matches(matrix({{"k", ints(1, null)}})));
+  EXPECT_FALSE(matcher.Matches(matrix({{"k", ints(1, 2)}})));
+  EXPECT_FALSE(matcher.Matches(nullptr));
+
+  testing::StringMatchResultListener why;
+  matcher.MatchAndExplain(matrix({{"k", ints(1, 2)}}), &why);
+  EXPECT_THAT(why.str(), testing::StartsWith("which differs:\ncolumn 0 \"k\", row 1: 2, "));
+  testing::StringMatchResultListener whyNot;
+  matcher.MatchAndExplain(nullptr, &whyNot);
+  EXPECT_EQ(whyNot.str(), "which is no matrix but an empty pointer");
+}
+
 TEST_F(MatrixBuilder, ComparisonSeesNamesKindsLengthsAndColumns) {
   auto const expected = matrix({{"k", ints(1)}});
 
