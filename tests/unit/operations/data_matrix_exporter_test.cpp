@@ -97,6 +97,9 @@ TEST_F(DataMatrixExporterTest, AMatrixOfOneColumnWritesNoSeparator) {
   Matrix const data = matrix({{"a", ints(1, 2)}});
 
   EXPECT_EQ(exported(*exporterOf(data), data), "1\n2\n");
+
+  Matrix const empty = matrix({{"a", ints(null)}});
+  EXPECT_EQ(exported(*exporterOf(empty), empty), "\n");
 }
 
 TEST_F(DataMatrixExporterTest, EveryLineEndsWithASingleLineFeed) {
@@ -121,6 +124,12 @@ TEST_F(DataMatrixExporterTest, ASeparatorMayHaveManyBytesOrNone) {
 
   csvOf(*exporter)->setSeparator("");
   EXPECT_EQ(exported(*exporter, data), "abc\n1x3\n24\n");
+
+  std::string const endless(400'000, 's');  // and nothing else that would have the buffer grow
+  csvOf(*exporter)->setSeparator(endless);
+  csvOf(*exporter)->setHeaderFormatter("");
+  EXPECT_TRUE(exported(*exporter, data) ==
+              "1" + endless + "x" + endless + "3\n2" + endless + endless + "4\n");
 }
 
 TEST_F(DataMatrixExporterTest, VeryLongCellsAndNamesAreWrittenWhole) {
@@ -286,6 +295,38 @@ TEST_F(DataMatrixExporterTest, XmlHoldsFormattersColumnsAndFormatInThisOrder) {
   EXPECT_FALSE(again->load(nullptr));
   EXPECT_FALSE(again->save(nullptr));
   EXPECT_EQ(saved(*again), text);
+}
+
+TEST_F(DataMatrixExporterTest, LoadingTakesThePlaceOfAllThatWasThere) {
+  auto const exporter = exporterOf(matrix({{"a", ints()}, {"b", texts()}}));
+  exporter->addFormatter(host_.get<moxGenericFormatter>("moxTextFormatter"));
+
+  ASSERT_TRUE(
+      exporter->load(xml("<r><Columns><Column name='c' type='7' expinfo='4'/></Columns>"
+                         "</r>")));
+
+  EXPECT_EQ(saved(*exporter),
+            "<r><Formatters/><Columns><Column name=\"c\" formatter=\"\" type=\"0\" "
+            "expinfo=\"0\"/></Columns><OutputFormat/></r>");
+}
+
+TEST_F(DataMatrixExporterTest, ANewSampleKeepsWhatWasSaidOfColumnsOfTheSameName) {
+  auto const exporter = exporterOf(matrix({{"a", ints()}, {"b", ints()}, {"c", ints()}}));
+  exporter->setColumnInfo("b", moxDataMatrixExporter::kDetalhe, "Segunda");
+  exporter->setColumnFormatter("b", "reais");
+  exporter->setColumnFormatter("missing", "reais");
+
+  exporter->setSampleDataMatrix(matrix({{"d", ints()}, {"b", texts()}}));
+
+  auto const columns = exporter->getColumns();
+  ASSERT_EQ(columns.size(), 2U);
+  EXPECT_EQ(columns[0].name, "d");
+  EXPECT_EQ(columns[0].formatter, "");
+  EXPECT_EQ(columns[1].name, "b");
+  EXPECT_EQ(columns[1].info, moxDataMatrixExporter::kDetalhe);
+  EXPECT_EQ(columns[1].header, "Segunda");
+  EXPECT_EQ(columns[1].formatter, "reais");
+  EXPECT_THROW(exporter->setSampleDataMatrix(nullptr), std::invalid_argument);
 }
 
 TEST_F(DataMatrixExporterTest, HostileNumbersInXmlAreAsIfNothingHadBeenSaid) {
