@@ -127,6 +127,17 @@ CHAINS = f"""<moxZYNCollection parentLibraryName="escola">
 {pivot("Coluna errada", "Notas", ["nada"], ("nota", "moxDoubleSum"))}
 {sorter("Oferta vazia", "Médias", '<column name="nada" dir="asc"/>', 'userDefined="yes" description="Ordem"')}
 {sorter("De nada", "Corrigir nota", '<column name="a"/>', 'userDefined="no"')}
+{sorter("Anônima", "", '<column name="a"/>', 'userDefined="no"')}
+{aggregation("Trocada", "Notas", ["série"], [("moxDoubleAvg", "bimestre", "media")])}
+<moxSQLDataSource name="Sem tabela"><Command type="0">select turma from nenhuma</Command></moxSQLDataSource>
+{sorter("Sobre nada", "Sem tabela", '<column name="turma"/>', 'userDefined="no"')}
+{union("Terceira", "Notas", "Sobre nada")}
+<moxGroupDataSource name="Grupo" outputSource="soma" filterSource="notas"><DataSources>
+  <moxDadoDataSource name="notas" dataSource="Notas"/>
+  <moxDadoDataSource name="soma"><moxExpressionDataSource name="soma" source="notas"><expressions>
+    <moxColumnExpression name="x">nada(0)</moxColumnExpression></expressions></moxExpressionDataSource></moxDadoDataSource>
+</DataSources></moxGroupDataSource>
+<moxSearch VisibleName="Somas" InternalName="Busca"><General dataSource="Grupo"><AutoFill atStartup="1"/></General></moxSearch>
 </moxZYNCollection>"""
 
 
@@ -323,36 +334,11 @@ def test_show_draws_a_source_that_is_read_twice_once(chains):
 def test_show_tells_rings_and_missing_inputs(chains):
     assert "Anel (moxSorterDataSource), see above: a ring" in chains.rows("show", "Anel")
     assert "\n└─ reads\n   └─ Nenhuma: there is no such source\n" in chains.rows("show", "Órfã")
+    assert "\n└─ reads\n   └─ no source is named\n" in chains.rows("show", "Anônima")
     (missing,) = shown(chains, "Órfã")["reads"]
     assert missing == {
         "name": "Nenhuma", "class": "", "repeated": False, "ring": False, "missing": True, "reads": [],
     }  # fmt: skip
-
-
-def test_failures_name_the_source_and_what_it_lacks(chains):
-    assert chains.refusal("run", "Ordem da órfã") == (
-        "Falha: Órfã; in the source 'Órfã', a moxAggregationDataSource; the source 'Órfã' reads 'Nenhuma', which is no "
-        "source that this session finds; in the definition 'Ordem da órfã'"
-    )
-    refused = chains.refusal("--unit", "3", "run", "Coluna errada")
-    assert refused.startswith("Coluna nada não localizada.; in the source 'Coluna errada', a moxDataSourcePivoting; ")
-    assert chains.refusal("--unit", "3", "run", "Oferta vazia", "--sort", "nada") == (
-        "the source 'Oferta vazia' offers to sort by 'nada', a column that its rows do not have"
-    )
-    refused = chains.refusal("run", "Anel")
-    assert refused.startswith("Fonte de dados externa inválida") and "Elo" in refused and "'Anel'" in refused
-    refused = chains.refusal("run", "De nada", "--yes")
-    assert "the source 'De nada' reads 'Corrigir nota', which gives no rows" in refused
-
-
-def test_explanation_of_a_failing_chain_tells_how_far_it_came(chains):
-    done = chains.zyn("--unit", "3", "explain", "Coluna errada", "--format", "json")
-    document = json.loads(done.stdout)
-    jsonschema.validate(document, SCHEMA)
-    assert done.returncode == 1 and document["error"]
-    assert [(s["name"], s["rows"]) for s in document["sources"]] == [("Notas", 4), ("Coluna errada", 0)]
-    text = chains.zyn("explain", "Ordem da órfã").stdout
-    assert "what is wrong in the chain\n  the source 'Órfã' reads 'Nenhuma', which is no source" in text
 
 
 def grade_of(school, key):

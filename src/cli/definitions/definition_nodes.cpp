@@ -43,7 +43,8 @@ std::string filterLabel(FilterView const& filter) {
 
 std::string dependencyLabel(DependencyView const& dependency) {
   if (dependency.missing) {
-    return dependency.name + ": there is no such source";
+    return dependency.name.empty() ? "no source is named"
+                                   : dependency.name + ": there is no such source";
   }
   return fmt::format("{} ({}){}", dependency.name, dependency.className,
                      dependency.ring       ? ", see above: a ring"

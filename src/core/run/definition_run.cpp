@@ -6,10 +6,10 @@
 #include <stdexcept>
 
 #include "core/run/chain.h"
+#include "core/run/chain_columns.h"
 #include "core/run/group_members.h"
 #include "core/run/wiring.h"
 #include "mox/core/error_with_details.h"
-#include "mox/core/progress_notifier.h"
 #include "mox/core/session.h"
 #include "mox/zyn/datasources/data_source.h"
 #include "mox/zyn/datasources/data_source_execution.h"
@@ -116,6 +116,35 @@ class Offers {
   std::map<moxFilterSpecification const*, std::size_t> places_;
 };
 
+/// Where the sources at work stand, the innermost first. A source that is the whole run is not
+/// told: the definition is.
+std::vector<std::string> placesOf(std::vector<std::string> const& atWork,
+                                  std::vector<Source> const& sources) {
+  std::vector<std::string> places;
+  for (std::size_t i = atWork.size(); i-- > 1;) {
+    places.push_back("in the member " + quotedForMessage(atWork[i]) + " of the group " +
+                     quotedForMessage(atWork[i - 1]));
+  }
+  if (atWork.empty() || sources.size() == 1) {
+    return places;
+  }
+  auto const source = std::find_if(sources.begin(), sources.end(), [&](Source const& candidate) {
+    return candidate->getName() == atWork.front();
+  });
+  auto const kind = source != sources.end() ? ", a " + (*source)->name() : std::string();
+  places.push_back("in the source " + quotedForMessage(atWork.front()) + kind);
+  return places;
+}
+
+/// Those that have run. The one that failed tells by itself what it lacks.
+std::vector<Source> sourcesAhead(std::vector<std::string> const& atWork,
+                                 std::vector<Source> const& sources) {
+  auto const isAtWork = [&](Source const& source) {
+    return !atWork.empty() && source->getName() == atWork.front();
+  };
+  return {sources.begin(), std::find_if(sources.begin(), sources.end(), isAtWork)};
+}
+
 bool anyChangesData(std::vector<Source> const& sources) {
   auto const all = withMembers(sources);
   return std::any_of(all.begin(), all.end(),
@@ -137,32 +166,6 @@ std::vector<FilterOffer> offersOf(std::vector<Source> const& sources,
 }
 
 }  // namespace
-
-/// Counts the sources that have run, so that one that fails can be named; the caller's notifier is
-/// asked as it would be without.
-class DefinitionRun::Steps final : public moxDataSourceExecutionProgressNotifier {
- public:
-  using Notifier = std::shared_ptr<moxDataSourceExecutionProgressNotifier>;
-
-  explicit Steps(Notifier notifier) : notifier_(std::move(notifier)) {}
-
-  std::string name() const override { return "DefinitionRunSteps"; }
-  void setTotal(int count) override {
-    if (notifier_) {
-      notifier_->setTotal(count);
-    }
-  }
-  bool step(int done) override {
-    done_ = static_cast<std::size_t>(done);
-    return !notifier_ || notifier_->step(done);
-  }
-
-  std::size_t done() const { return done_; }
-
- private:
-  Notifier notifier_;
-  std::size_t done_ = 0;
-};
 
 DefinitionRun::DefinitionRun(VELMORApplication& application, moxSessionService& sessions,
                              std::string const& name)
@@ -258,10 +261,9 @@ void DefinitionRun::keepReport(Report report) {
 
 std::shared_ptr<moxDataMatrix> DefinitionRun::run(
     std::shared_ptr<moxDataSourceExecutionProgressNotifier> notifier) {
-  auto const steps = std::make_shared<Steps>(std::move(notifier));
-  runBy([&](auto const& context,
-            std::vector<int> const& units) { context->processDataSources(steps, list_, units, 0); },
-        steps.get());
+  runBy([&](auto const& context, std::vector<int> const& units) {
+    context->processDataSources(std::move(notifier), list_, units, 0);
+  });
   demandOrderedColumns();
   return context_->getDataMatrix(definition()->getName());
 }
@@ -278,10 +280,6 @@ void DefinitionRun::demandOrderedColumns() const {
 }
 
 void DefinitionRun::runBy(Way const& way) {
-  runBy(way, nullptr);
-}
-
-void DefinitionRun::runBy(Way const& way, Steps const* steps) {
   demandConsent();
   if (!filtersSet_) {
     setFilterArguments({});
@@ -289,11 +287,11 @@ void DefinitionRun::runBy(Way const& way, Steps const* steps) {
   try {
     way(context_, units_);
   } catch (moxError const& error) {
-    throw withDetails(error, detailsOfFailure(steps));
+    throw withDetails(error, detailsOfFailure());
   } catch (std::out_of_range const& error) {
     moxDefaultErrorImpl<moxError> const told("the definition refers to more than there is",
                                              {error.what()});
-    throw withDetails(told, detailsOfFailure(steps));
+    throw withDetails(told, detailsOfFailure());
   }
 }
 
@@ -304,18 +302,26 @@ void DefinitionRun::demandConsent() const {
 }
 
 /// Which source of the chain it was, what its definition lacks, and the definition that was run.
-std::vector<std::string> DefinitionRun::detailsOfFailure(Steps const* steps) const {
-  std::vector<std::string> details;
-  if (steps != nullptr && steps->done() < sources_.size() && sources_.size() > 1) {
-    auto const& source = *sources_[steps->done()];
-    details.push_back("in the source " + quotedForMessage(source.getName()) + ", a " +
-                      source.name());
-  }
-  for (auto const& problems : {chainProblems(sources_), readWiring(*definition()).problems}) {
+std::vector<std::string> DefinitionRun::detailsOfFailure() const {
+  auto const* const reporter = dynamic_cast<moxRunReporter const*>(context_.get());
+  auto const atWork = reporter != nullptr ? reporter->sourcesAtWork() : std::vector<std::string>();
+  auto details = placesOf(atWork, sources_);
+  for (auto const& problems :
+       {chainProblems(sources_), columnProblems(sourcesAhead(atWork, sources_), *context_),
+        readWiring(*definition()).problems}) {
     details.insert(details.end(), problems.begin(), problems.end());
   }
   details.push_back("in the definition " + quotedForMessage(name_));
   return details;
+}
+
+std::vector<std::string> DefinitionRun::problems() const {
+  auto problems = chainProblems(sources_);
+  if (!composesOnly_) {
+    auto const columns = columnProblems(sources_, *context_);
+    problems.insert(problems.end(), columns.begin(), columns.end());
+  }
+  return problems;
 }
 
 moxRunReport DefinitionRun::report() const {

@@ -110,19 +110,19 @@ class DefinitionRun {
   /// What happened so far, when it is kept; empty otherwise.
   moxRunReport report() const;
 
+  /// What in the chain cannot work, or came to nothing in the rows so far, as sentences.
+  std::vector<std::string> problems() const;
+
   moxDataSourceExecutionContext& context() { return *context_; }
 
   /// What took the place of a report.
   RunReportContext const& reportContext() const { return *reportContext_; }
 
  private:
-  class Steps;
-
   UnitScope scope() const;
   void demandConsent() const;
   void demandOrderedColumns() const;
-  void runBy(Way const& way, Steps const* steps);
-  std::vector<std::string> detailsOfFailure(Steps const* steps) const;
+  std::vector<std::string> detailsOfFailure() const;
 
   VELMORApplication& application_;
   moxSessionService& sessions_;

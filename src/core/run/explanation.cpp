@@ -84,7 +84,7 @@ Explanation explain(DefinitionRun const& run, DefinitionRun::Report kind, std::s
                           .search = {},
                           .order = run.order(),
                           .steps = stepsOf(run),
-                          .chainProblems = chainProblems(run.sources())};
+                          .chainProblems = run.problems()};
   if (run.search()) {
     explanation.search = explainSearch(*run.search(), *run.definition());
   }

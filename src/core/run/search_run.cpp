@@ -6,6 +6,8 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
+#include "core/run/chain.h"
+#include "mox/core/error_with_details.h"
 #include "mox/core/session.h"
 #include "mox/zyn/datasources/data_source.h"
 #include "mox/zyn/matrix/data_matrix.h"
@@ -25,6 +27,18 @@ moxSearchRunControl& controlOf(moxSearchRunner& runner) {
         "the module that is loaded runs searches for screens of its own alone");
   }
   return *control;
+}
+
+/// What a chain lacks in a search, and what its author can do.
+std::vector<std::string> inputsLeftOut(moxDataSource const& source) {
+  auto const inputs = inputNamesOf(source);
+  if (inputs.empty()) {
+    return {};
+  }
+  return {
+      fmt::format("a search runs its source alone, and not those that it reads ({}): a group "
+                  "with all of them as members can be searched",
+                  fmt::join(inputs, ", "))};
 }
 
 [[noreturn]] void refuseUnknownColumn(moxDataMatrix const& matrix, std::string const& name) {
@@ -87,7 +101,11 @@ void SearchRun::run() {
     return;
   }
   run_.runBy([this](auto const& context, std::vector<int> const& units) {
-    controlOf(*runner_).performSqlIn(context, units);
+    try {
+      controlOf(*runner_).performSqlIn(context, units);
+    } catch (moxError const& error) {
+      throw moxErrorWithDetails(error, inputsLeftOut(*run_.definition()));
+    }
   });
 }
 

@@ -4,6 +4,7 @@
 #include <set>
 #include <utility>
 
+#include "core/run/chain.h"
 #include "core/run/filter_value.h"
 #include "mox/core/error.h"
 #include "mox/zyn/datasources/dado_data_source.h"
@@ -87,6 +88,7 @@ class GroupCheck {
     checkNames();
     for (std::size_t i = 0; i < members_.size(); ++i) {
       checkRelation(i);
+      checkInputs(i);
       if (isA<moxFilterDataSource>(sources_[i])) {
         checkFilterSource(i);
       } else if (auto const manager =
@@ -202,6 +204,28 @@ class GroupCheck {
       tell(memberName(index) + " is restricted by the values of the member " +
            quotedForMessage(relation.dataSource) + ", but is no query");
     }
+  }
+
+  /// A member computes its rows from those of the members ahead of it, and of nobody else.
+  void checkInputs(std::size_t index) {
+    if (!sources_[index]) {
+      return;
+    }
+    for (auto const& input : inputNamesOf(*sources_[index])) {
+      if (input.empty()) {
+        tell(memberName(index) + " names no source whose rows it reads");
+        continue;
+      }
+      auto const place = target(index, "reads", nameInGroup(*members_[index], input));
+      if (place != kNone && givesNoRows(sources_[place])) {
+        tell(memberName(index) + " reads the member " +
+             quotedForMessage(members_[place]->getName()) + ", which gives no rows");
+      }
+    }
+  }
+
+  static bool givesNoRows(Source const& source) {
+    return source && (changesData(*source) || isA<moxManageFilterDataSource>(source));
   }
 
   /// Along filter sources that change each other; each step goes to an earlier member, so it ends.

@@ -71,7 +71,7 @@ bool AggregationDataSource::save(std::shared_ptr<moxXMLNode> node) const {
 }
 
 Columns AggregationDataSource::getColumns() const {
-  DepthGuard const guard;
+  DepthGuard const guard(getName());
   auto columns = aggregator_->getColumns();
   if (auto const source = findDataSource(dataSource_)) {
     takeKindsOfKeys(*source, aggregator_->getIndexes().size(), columns);

@@ -236,9 +236,28 @@ void DataSourceExecutionContext::runList(Notifier const& notifier, List const& l
 }
 
 void DataSourceExecutionContext::runEntry(moxDataSourceToProcess const& entry) {
+  atWork_ = entry.first;
   if (!entry.second.second->generateDataMatrix(shared_from_this(), entry.first)) {
     throw moxDefaultErrorImpl<moxError>("Falha: " + entry.first);
   }
+  atWork_.reset();
+}
+
+/// A group appends its context when it begins, so that only the last one can be at work.
+std::vector<std::string> DataSourceExecutionContext::sourcesAtWork() const {
+  if (!atWork_) {
+    return {};
+  }
+  std::vector<std::string> names{*atWork_};
+  auto const* const inside =
+      appendedContexts_.empty()
+          ? nullptr
+          : dynamic_cast<moxRunReporter const*>(appendedContexts_.back().get());
+  if (inside != nullptr) {
+    auto const members = inside->sourcesAtWork();
+    names.insert(names.end(), members.begin(), members.end());
+  }
+  return names;
 }
 
 /// A source without a statement has nothing to show unless it is executed; its place is taken by an

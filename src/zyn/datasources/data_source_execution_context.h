@@ -2,6 +2,7 @@
 
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -56,6 +57,7 @@ class DataSourceExecutionContext final
   void keepRunReport() override;
   void composeOnly() override;
   moxRunReport runReport() const override;
+  std::vector<std::string> sourcesAtWork() const override;
 
   TemporaryTables& temporaryTables() override { return temporaryTables_; }
 
@@ -86,6 +88,7 @@ class DataSourceExecutionContext final
   std::map<std::string, std::vector<ConstFilter>> dataSourceFixedFilters_;
   std::map<std::string, std::vector<ConstOption>> dataSourceOptions_;
   bool processed_ = false;
+  std::optional<std::string> atWork_;  // also when it has thrown
   std::shared_ptr<moxReportExecutionContext> reportContext_;
   mutable std::vector<std::shared_ptr<moxDataSourceExecutionContext>> appendedContexts_;
   TemporaryTables temporaryTables_;

@@ -18,7 +18,7 @@ class DerivedDataSource : public NamedDataSource<Interface> {
 
   std::vector<std::shared_ptr<moxDataSource const>> getRelatedDataSources(
       bool deep) const override {
-    return relatedDataSources(inputNames(), deep);
+    return relatedDataSources(this->getName(), inputNames(), deep);
   }
 
  protected:

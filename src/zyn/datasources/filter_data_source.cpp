@@ -32,7 +32,7 @@ std::vector<moxDataSourceColumnType> FilterDataSource::getColumns() const {
   if (tipoRetornoSelect_ != kAdiciona) {
     return columns_.namesAndTypes();
   }
-  DepthGuard const guard;
+  DepthGuard const guard(getName());
   auto const source = findDataSource(dataSourceName_);
   return withOwnColumns(source ? source->getColumns() : std::vector<moxDataSourceColumnType>());
 }
@@ -55,7 +55,7 @@ std::vector<moxDataSourceColumnType> FilterDataSource::withOwnColumns(
 
 std::vector<std::shared_ptr<moxDataSource const>> FilterDataSource::getRelatedDataSources(
     bool deep) const {
-  return relatedDataSources({dataSourceName_}, deep);
+  return relatedDataSources(getName(), {dataSourceName_}, deep);
 }
 
 std::shared_ptr<moxDataSourceExecution> FilterDataSource::createExecution() const {

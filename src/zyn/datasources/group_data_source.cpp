@@ -72,7 +72,7 @@ bool GroupDataSource::save(std::shared_ptr<moxXMLNode> node) const {
 }
 
 std::vector<moxDataSourceColumnType> GroupDataSource::getColumns() const {
-  DepthGuard const guard;
+  DepthGuard const guard(getName());
   for (auto const& member : dataSources().get()) {
     if (member && member->getName() == outputSource_) {
       auto const source = member->getDataSource();
@@ -83,7 +83,7 @@ std::vector<moxDataSourceColumnType> GroupDataSource::getColumns() const {
 }
 
 std::vector<std::shared_ptr<moxFilterSpecification const>> GroupDataSource::getFilters() const {
-  DepthGuard const guard;
+  DepthGuard const guard(getName());
   GroupWiring wiring(getName());
   wiring.addMembersOf(*this);
   auto const execution = wiring.executionOf(filterSource_);

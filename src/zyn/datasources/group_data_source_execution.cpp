@@ -13,7 +13,7 @@
 
 bool GroupDataSourceExecution::generateDataMatrix(
     std::shared_ptr<moxDataSourceExecutionContext> context, std::string const& targetName) const {
-  DepthGuard const guard;
+  DepthGuard const guard(dataSource_->getName());
   auto const child = moxApp->get<moxDataSourceExecutionContext>("moxDataSourceExecutionContext");
   if (auto const* const own = dynamic_cast<DataSourceExecutionContext const*>(context.get())) {
     own->appendContext(child, dataSource_->getFilterSource(), dataSource_->getName(), targetName,

@@ -142,7 +142,7 @@ std::vector<std::shared_ptr<moxDataSource const>> ManageFilterDataSource::getRel
   for (auto const& record : sources_) {
     names.push_back(record.name);
   }
-  return relatedDataSources(names, deep);
+  return relatedDataSources(getName(), names, deep);
 }
 
 std::shared_ptr<moxDataSourceExecution> ManageFilterDataSource::createExecution() const {

@@ -1,7 +1,7 @@
 #include "zyn/datasources/related_data_sources.h"
 
 #include <algorithm>
-#include <iterator>
+#include <map>
 
 #include "mox/core/error.h"
 #include "zyn/datasources/data_source_look_up.h"
@@ -9,14 +9,39 @@
 
 namespace {
 
-using Sources = std::vector<std::shared_ptr<moxDataSource const>>;
+using Source = std::shared_ptr<moxDataSource const>;
+using Sources = std::vector<Source>;
 
-/// The names whose sources the calling thread is looking into, the outermost first.
-thread_local std::vector<std::string> namesLookedInto;
+/// What the calling thread knows while it answers somebody. Definitions that read one source twice
+/// at every level would otherwise be asked for the same a million times.
+struct Inquiry {
+  int questions = 0;               // within each other
+  std::vector<std::string> names;  // whose sources are being looked into, the outermost first
+  std::map<Source, Sources> behind;
+  std::size_t listed = 0;  // sources in all lists made so far
+};
+
+thread_local Inquiry inquiry;
+
+/// Held while a question is answered. What is known ends with the outermost: the next one may find
+/// other definitions.
+class Question {
+ public:
+  Question() { ++inquiry.questions; }
+  ~Question() {
+    if (--inquiry.questions == 0) {
+      inquiry.behind.clear();
+      inquiry.listed = 0;
+    }
+  }
+
+  Question(Question const&) = delete;
+  Question& operator=(Question const&) = delete;
+};
 
 moxDefaultErrorImpl<moxError> ringError(std::string const& name) {
   std::string way;
-  auto const& names = namesLookedInto;
+  auto const& names = inquiry.names;
   for (auto i = std::find(names.begin(), names.end(), name); i != names.end(); ++i) {
     way += *i + " -> ";
   }
@@ -29,38 +54,53 @@ moxDefaultErrorImpl<moxError> ringError(std::string const& name) {
 class RingGuard {
  public:
   explicit RingGuard(std::string const& name) {
-    auto& names = namesLookedInto;
+    auto& names = inquiry.names;
     if (std::find(names.begin(), names.end(), name) != names.end()) {
       throw ringError(name);
     }
     names.push_back(name);
   }
-  ~RingGuard() { namesLookedInto.pop_back(); }
+  ~RingGuard() { inquiry.names.pop_back(); }
 
   RingGuard(RingGuard const&) = delete;
   RingGuard& operator=(RingGuard const&) = delete;
 };
 
-void append(std::string const& name, bool deep, Sources& related) {
-  std::shared_ptr<moxDataSource const> source = findDataSource(name);
-  if (!source) {
-    return;
+/// Valid until the outermost question is answered.
+Sources const& sourcesBehind(std::string const& name, Source const& source) {
+  auto const known = inquiry.behind.find(source);
+  if (known != inquiry.behind.end()) {
+    return known->second;
   }
-  if (deep) {
-    RingGuard const guard(name);
-    auto deeper = source->getRelatedDataSources(true);
-    std::move(deeper.begin(), deeper.end(), std::back_inserter(related));
+  RingGuard const guard(name);
+  return inquiry.behind.emplace(source, source->getRelatedDataSources(true)).first->second;
+}
+
+void append(Sources const& sources, std::string const& reader, Sources& related) {
+  inquiry.listed += sources.size();
+  if (inquiry.listed > kMostSourcesListed) {
+    throw DepthGuard::refusal("sources of data read each other in more than " +
+                                  std::to_string(kMostSourcesListed) + " ways",
+                              reader);
   }
-  related.push_back(std::move(source));
+  related.insert(related.end(), sources.begin(), sources.end());
 }
 
 }  // namespace
 
-Sources relatedDataSources(std::vector<std::string> const& names, bool deep) {
-  DepthGuard const guard;
+Sources relatedDataSources(std::string const& reader, std::vector<std::string> const& names,
+                           bool deep) {
+  DepthGuard const guard(reader);
+  Question const question;
   Sources related;
   for (auto const& name : names) {
-    append(name, deep, related);
+    Source const source = findDataSource(name);
+    if (source && deep) {
+      append(sourcesBehind(name, source), reader, related);
+    }
+    if (source) {
+      append({source}, reader, related);
+    }
   }
   return related;
 }
@@ -76,7 +116,7 @@ std::shared_ptr<moxDataSource const> sourceInContext(std::vector<moxNamedDataSou
 
 std::vector<moxDataSourceColumnType> relatedColumnsOf(
     std::vector<moxNamedDataSource> const& sources, std::string const& name) {
-  DepthGuard const guard;
+  DepthGuard const guard(name);
   auto const source = sourceInContext(sources, name);
   return source ? source->getRelatedColumns(sources) : std::vector<moxDataSourceColumnType>();
 }

@@ -2,14 +2,16 @@
 
 #include <cmath>
 #include <cstdint>
+#include <initializer_list>
 #include <limits>
+#include <string>
 
 /// What the operators and functions of expressions compute, one row at a time. The operations of a
 /// context and the loops over blocks of rows share these, so that both give the same bits.
 namespace moxExParser {
 
-/// Throws moxExpressionContext::DivByZero.
-[[noreturn]] void failDivisionByZero();
+/// Throws moxExpressionContext::DivByZero, with these details.
+[[noreturn]] void failDivisionByZero(std::initializer_list<std::string> details = {});
 
 /// As std::trunc, which without newer processors' instructions is a call for every value.
 inline double truncated(double value) {

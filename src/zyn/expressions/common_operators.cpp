@@ -74,8 +74,8 @@ using Exp = BinaryOperator<Opcode::kExp, kPowers, false, Power>;
 
 }  // namespace
 
-void failDivisionByZero() {
-  throw moxDefaultErrorImpl<moxExpressionContext::DivByZero>("Divisão por zero.");
+void failDivisionByZero(std::initializer_list<std::string> details) {
+  throw moxDefaultErrorImpl<moxExpressionContext::DivByZero>("Divisão por zero.", details);
 }
 
 moxExpressionOperation* CommonOperators::getOperator(std::string const& name) {

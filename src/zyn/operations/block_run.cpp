@@ -46,8 +46,8 @@ class BlockRun {
     for (std::size_t first = 0; first < last; first += kRowsAtOnce) {
       end_ = std::min(last, first + kRowsAtOnce);
       computeBlock(first);
-      if (dividesByZero_) {
-        moxExParser::failDivisionByZero();
+      if (divides_ != nullptr) {
+        divides_->failDivision();
       }
     }
   }
@@ -155,7 +155,7 @@ class BlockRun {
       columns_[i].cells.forgetFrom(row + 1);
     }
     end_ = row;
-    dividesByZero_ = true;
+    divides_ = &columns_[index];
   }
 
   std::vector<ComputedColumn>& columns_;
@@ -163,7 +163,7 @@ class BlockRun {
   std::vector<Machine> machines_;
   std::vector<double> places_;
   std::size_t end_ = 0;  // of the current block; comes down to the first row that fails
-  bool dividesByZero_ = false;
+  ComputedColumn const* divides_ = nullptr;  // by zero, in the row at end_
 };
 
 }  // namespace

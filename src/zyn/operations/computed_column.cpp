@@ -4,8 +4,11 @@
 
 #include "mox/core/application.h"
 #include "mox/core/error.h"
+#include "mox/core/error_with_details.h"
 #include "mox/zyn/frame/plugin_entry.h"
+#include "zyn/expressions/arithmetic.h"
 #include "zyn/matrix/data_matrix_columns.h"
+#include "zyn/operations/operation_errors.h"
 
 namespace {
 
@@ -16,13 +19,29 @@ std::shared_ptr<moxDataMatrixColumn> newColumn(ComputedColumnDefinition const& d
   return column;
 }
 
+std::string columnDetail(ComputedColumnDefinition const& definition) {
+  return "Coluna: " + definition.columnName;
+}
+
+std::string expressionDetail(ComputedColumnDefinition const& definition) {
+  return "Expressão: " + definition.expression;
+}
+
 }  // namespace
 
 void ComputedColumn::fail() const {
-  throw moxDefaultErrorImpl<moxError>(
-      "Erro ao processar expressão para coluna '" + definition->columnName +
-          "': " + context->getError(),
-      {"Coluna: " + definition->columnName, "Expressão: " + definition->expression});
+  auto const reason = context->getError();
+  moxDefaultErrorImpl<moxError> const error(
+      "Erro ao processar expressão para coluna '" + definition->columnName + "': " + reason,
+      {columnDetail(*definition), expressionDetail(*definition)});
+  if (!reason.empty()) {
+    throw error;
+  }
+  throw moxErrorWithDetails(error, {}, {"the expression has no value"});
+}
+
+void ComputedColumn::failDivision() const {
+  moxExParser::failDivisionByZero({columnDetail(*definition), expressionDetail(*definition)});
 }
 
 ComputedColumns::ComputedColumns(moxDataMatrix& matrix, bool convertZeroToNull)
@@ -59,5 +78,11 @@ void ComputedColumns::parse(ComputedColumn& column) {
   row_->addIterator(column.cursor);
   column.context = moxApp->get<moxExpressionContext>("moxExpressionContext");
   column.context->addFunctionProvider(provider_.get());
-  column.isParsed = column.context->parse(column.definition->expression);
+  try {
+    column.isParsed = column.context->parse(column.definition->expression);
+  } catch (moxError const& error) {
+    throw moxErrorWithDetails(
+        error, {columnDetail(*column.definition), expressionDetail(*column.definition)},
+        {columnsThere(matrix_)});
+  }
 }

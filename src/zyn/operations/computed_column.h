@@ -32,6 +32,9 @@ struct ComputedColumn {
 
   /// Throws moxError: the column has no value.
   [[noreturn]] void fail() const;
+
+  /// Throws moxExpressionContext::DivByZero, which tells the column and its expression.
+  [[noreturn]] void failDivision() const;
 };
 
 /// The computed columns of one run. However it ends, they have as many rows as the matrix had: the

@@ -31,13 +31,19 @@ void removeFirst(std::vector<Data>& list, std::string const& columnName) {
   }
 }
 
-std::shared_ptr<moxCommonAggregationFunction> functionOf(std::string const& registeredName) {
-  auto function = moxApp->get<moxCommonAggregationFunction>(registeredName);
-  if (!function) {
-    throw moxDefaultErrorImpl<moxPluginNotFound>(
-        registeredName + " is no aggregation function of one source column");
+std::shared_ptr<moxCommonAggregationFunction> functionOf(std::string const& registeredName,
+                                                         std::string const& columnName) {
+  std::string const whose = "as the function for the cells of " + columnName;
+  try {
+    auto function = moxApp->get<moxCommonAggregationFunction>(registeredName);
+    if (function) {
+      return function;
+    }
+  } catch (moxPluginNotFound const& error) {
+    throw moxDefaultErrorImpl<moxPluginNotFound>(error.errorMessage(), {whose});
   }
-  return function;
+  throw moxDefaultErrorImpl<moxPluginNotFound>(
+      registeredName + " is no aggregation function of one source column", {whose});
 }
 
 MatrixColumn ownColumn(moxDataMatrix& matrix, std::string const& name) {
@@ -164,7 +170,7 @@ std::shared_ptr<moxDataMatrix> DataMatrixPivoting::aggregated(
   }
   std::vector<std::shared_ptr<moxCommonAggregationFunction>> functions;
   for (auto const& cell : cells_) {
-    auto const& function = functions.emplace_back(functionOf(cell.aggregation));
+    auto const& function = functions.emplace_back(functionOf(cell.aggregation, cell.columnName));
     function->setSourceColumn(cell.columnName);
     function->setTargetColumn(cell.columnName);
     aggregator->addFunction(function);

@@ -24,15 +24,18 @@ class KindsDiffer final : public std::bad_cast, public moxDefaultErrorImpl<moxEr
                     ": os tipos são diferentes.");
 }
 
-moxDefaultErrorImpl<moxError> missingColumn(JoinedSource const& source, std::string const& column) {
-  return moxDefaultErrorImpl<moxError>("JoinDataSource: coluna " + column + " do source " +
-                                       source.name + " não localizada.");
+/// `there` is the matrix that was to have the column.
+moxDefaultErrorImpl<moxError> missingColumn(JoinedSource const& source, std::string const& column,
+                                            std::string const& whose, moxDataMatrix const& there) {
+  return moxDefaultErrorImpl<moxError>(
+      "JoinDataSource: coluna " + column + " do source " + source.name + " não localizada.",
+      {"in " + whose + " " + columnsThere(there)});
 }
 
 MatrixColumn columnOf(JoinedSource const& source, std::string const& name) {
   auto column = source.matrix->columnByName(name);
   if (!column) {
-    throw missingColumn(source, name);
+    throw missingColumn(source, name, "the rows of " + source.name, *source.matrix);
   }
   return column;
 }
@@ -91,7 +94,7 @@ std::shared_ptr<moxDataMatrix> MatrixJoining::process() {
     return result;
   }
   for (auto& source : sources_) {
-    resolveConditions(source);
+    resolveConditions(source, *result);
   }
   for (auto const& source : sources_) {
     join(source);
@@ -116,12 +119,12 @@ std::size_t MatrixJoining::targetNamed(std::string const& name) const {
   return static_cast<std::size_t>(found - columns_.begin());
 }
 
-void MatrixJoining::resolveConditions(Source& source) {
+void MatrixJoining::resolveConditions(Source& source, moxDataMatrix const& result) {
   for (auto const& condition : source.given.conditions) {
     auto const column = columnOf(source.given, condition.sourceColumn);
     std::size_t const target = targetNamed(condition.resultColumn);
     if (target == columns_.size()) {
-      throw missingColumn(source.given, condition.resultColumn);
+      throw missingColumn(source.given, condition.resultColumn, "the result", result);
     }
     source.conditions.push_back({own(column, source.rows), target});
   }

@@ -80,7 +80,7 @@ class MatrixJoining {
 
   MatrixColumn own(MatrixColumn const& column, std::uint32_t rows);
   std::size_t targetNamed(std::string const& name) const;
-  void resolveConditions(Source& source);
+  void resolveConditions(Source& source, moxDataMatrix const& result);
   std::vector<Writing> writingsOf(Source const& source);
 
   void join(Source const& source);

@@ -16,6 +16,8 @@ constexpr std::uint64_t kRows = 100'000'000;
 constexpr std::uint64_t kColumns = 10'000;
 constexpr std::uint64_t kCells = 200'000'000;
 
+constexpr unsigned int kColumnsTold = 30;
+
 /// The limit that the application's administrator set, and never more than a column can count.
 std::uint64_t limitOf(char const* key, std::uint64_t byDefault) {
   std::string const text = moxApp->settings().value("limits", key, "");
@@ -36,11 +38,24 @@ void refuseBeyond(std::uint64_t count, std::uint64_t limit, std::string const& w
 
 }  // namespace
 
+std::string columnsThere(moxDataMatrix const& matrix) {
+  std::string names;
+  unsigned int const all = matrix.columnCount();
+  for (unsigned int i = 0; i < std::min(all, kColumnsTold); ++i) {
+    names += (i == 0 ? "" : ", ") + matrix.columnAt(i)->getName();
+  }
+  if (all > kColumnsTold) {
+    names += " and " + std::to_string(all - kColumnsTold) + " more";
+  }
+  return all == 0 ? "there are no columns" : "there are: " + names;
+}
+
 std::shared_ptr<moxDataMatrixColumn> requiredColumn(moxDataMatrix& matrix,
                                                     std::string const& name) {
   auto column = matrix.columnByName(name);
   if (!column) {
-    throw moxDefaultErrorImpl<moxError>("Coluna " + name + " não localizada.");
+    throw moxDefaultErrorImpl<moxError>("Coluna " + name + " não localizada.",
+                                        {columnsThere(matrix)});
   }
   return column;
 }

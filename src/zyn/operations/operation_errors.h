@@ -7,8 +7,11 @@
 class moxDataMatrix;
 class moxDataMatrixColumn;
 
+/// The names of the columns, in words for the details of a failure; of many only the first ones.
+std::string columnsThere(moxDataMatrix const& matrix);
+
 /// The first column of that name. Throws moxError "Coluna " + name + " não localizada." when the
-/// matrix has none.
+/// matrix has none; the details tell those that it has.
 std::shared_ptr<moxDataMatrixColumn> requiredColumn(moxDataMatrix& matrix, std::string const& name);
 
 /// Refuses a result of so many rows with a moxError when that is more than the application allows

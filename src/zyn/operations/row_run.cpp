@@ -1,5 +1,6 @@
 #include "zyn/operations/row_run.h"
 
+#include "mox/zyn/expressions/expression_context.h"
 #include "zyn/expressions/arithmetic.h"
 
 namespace {
@@ -23,7 +24,12 @@ void store(ComputedColumn& column, double value) {
 
 double evaluated(ComputedColumn& column) {
   bool ok = false;
-  double const value = column.isParsed ? column.context->exec(&ok) : 0.0;
+  double value = 0.0;
+  try {
+    value = column.isParsed ? column.context->exec(&ok) : 0.0;
+  } catch (moxExpressionContext::DivByZero const&) {
+    column.failDivision();
+  }
   if (!ok) {
     column.fail();
   }

@@ -5,23 +5,39 @@
 #include <functional>
 #include <string>
 #include <thread>
+#include <vector>
 
 namespace {
 
 void descend(int depth) {
   if (depth > 0) {
-    DepthGuard const guard;
+    DepthGuard const guard("level " + std::to_string(depth));
     descend(depth - 1);
   }
 }
 
-std::string failureOf(std::function<void()> const& call) {
+void look(int steps) {
+  DepthGuard const outermost("outermost");
+  for (int i = 1; i < steps; ++i) {
+    DepthGuard const step("step");
+  }
+}
+
+/// Message and details; empty when nothing is thrown.
+std::vector<std::string> toldBy(std::function<void()> const& call) {
+  std::vector<std::string> told;
   try {
     call();
   } catch (moxError const& error) {
-    return error.errorMessage();
+    told = error.errorDetails();
+    told.insert(told.begin(), error.errorMessage());
   }
-  return {};
+  return told;
+}
+
+std::string failureOf(std::function<void()> const& call) {
+  auto const told = toldBy(call);
+  return told.empty() ? std::string() : told.front();
 }
 
 }  // namespace
@@ -37,19 +53,24 @@ TEST(DepthGuard, IsAsDeepAsBeforeAfterAFailure) {
 }
 
 TEST(DepthGuard, ManyStepsOfOneLookUpEndIt) {
-  auto const look = [](int steps) {
-    DepthGuard const outermost;
-    for (int i = 1; i < steps; ++i) {
-      DepthGuard const step;
-    }
-  };
   EXPECT_EQ(failureOf([&] { look(100'000); }), "");
   EXPECT_EQ(failureOf([&] { look(100'001); }), "Fonte de dados externa inválida");
   EXPECT_EQ(failureOf([&] { look(100'000); }), "");
 }
 
+TEST(DepthGuard, ARefusalTellsTheBoundAndWhereItWasMet) {
+  EXPECT_EQ(toldBy([] { descend(66); }),
+            (std::vector<std::string>{
+                "Fonte de dados externa inválida",
+                "sources of data name each other more than 64 deep, met at: level 2"}));
+  EXPECT_EQ(toldBy([] { look(100'001); }),
+            (std::vector<std::string>{
+                "Fonte de dados externa inválida",
+                "sources of data name each other in more than 100000 ways, met at: step"}));
+}
+
 TEST(DepthGuard, ThreadsCountForThemselves) {
-  DepthGuard const held;
+  DepthGuard const held("held");
   std::string failure = "not run";
   std::thread([&] { failure = failureOf([] { descend(64); }); }).join();
   EXPECT_EQ(failure, "");

@@ -103,8 +103,13 @@ class DerivedFailuresTest : public DefinitionTest {
             "in the definition 'Fim'"};
   }
 
-  static Strings wrong(std::string const& message, std::string const& executionClass) {
-    return {message, "in the source 'Meio', a " + executionClass, "in the definition 'Fim'"};
+  static Strings wrong(std::string const& message, std::string const& executionClass,
+                       Strings const& details = {}) {
+    Strings told{message};
+    told.insert(told.end(), details.begin(), details.end());
+    told.push_back("in the source 'Meio', a " + executionClass);
+    told.push_back("in the definition 'Fim'");
+    return told;
   }
 
   /// `count` sources of which each reads the one ahead; the first reads the query.
@@ -153,23 +158,25 @@ TEST_F(DerivedFailuresTest, ACrossTableWithoutItsInputIsNamed) {
 
 TEST_F(DerivedFailuresTest, AnExpressionOverAMissingColumnIsNamed) {
   EXPECT_EQ(failureBehind(expression("Meio", "Notas", "nada(0)")),
-            wrong("Coluna não encontrada nada", "moxExpressionDataSource"));
+            wrong("Coluna não encontrada nada", "moxExpressionDataSource",
+                  {"Coluna: x", "Expressão: nada(0)", "there are: turma, nota, x"}));
 }
 
 TEST_F(DerivedFailuresTest, AUnionOfAMissingColumnIsNamed) {
   EXPECT_EQ(failureBehind(unionOf("Meio", "Notas", "Notas", "nada")),
-            wrong("Coluna nada não localizada.", "moxUnionDataSource"));
+            wrong("Coluna nada não localizada.", "moxUnionDataSource", {"there are: turma, nota"}));
 }
 
 TEST_F(DerivedFailuresTest, ACrossTableOfAMissingColumnIsNamed) {
-  EXPECT_EQ(failureBehind(pivot("Meio", "Notas", "nada")),
-            wrong("Coluna nada não localizada.", "moxDataSourcePivoting"));
+  EXPECT_EQ(
+      failureBehind(pivot("Meio", "Notas", "nada")),
+      wrong("Coluna nada não localizada.", "moxDataSourcePivoting", {"there are: turma, nota"}));
 }
 
 TEST_F(DerivedFailuresTest, AJoinByAMissingColumnIsNamed) {
-  EXPECT_EQ(
-      failureBehind(join("Meio", "Notas", "nada")),
-      wrong("JoinDataSource: coluna nada do source Notas não localizada.", "moxJoinDataSource"));
+  EXPECT_EQ(failureBehind(join("Meio", "Notas", "nada")),
+            wrong("JoinDataSource: coluna nada do source Notas não localizada.",
+                  "moxJoinDataSource", {"in the rows of Notas there are: turma, nota"}));
 }
 
 TEST_F(DerivedFailuresTest, AJoinByColumnsOfTwoKindsIsNamed) {
@@ -185,6 +192,35 @@ TEST_F(DerivedFailuresTest, AnExpressionThatCannotBeReadIsNamedWithItsText) {
       (Strings{"Erro ao processar expressão para coluna 'x': Erro na contagem de parênteses.",
                "Coluna: x", "Expressão: ((", "in the source 'Meio', a moxExpressionDataSource",
                "in the definition 'Fim'"}));
+}
+
+TEST_F(DerivedFailuresTest, AJoinOnAColumnThatTheResultLacksTellsThoseOfTheResult) {
+  auto const text = join("Meio", "Notas", "turma");
+  auto const at = text.rfind("columnNameJoin=\"turma\"");
+  EXPECT_EQ(failureBehind(text.substr(0, at) + "columnNameJoin=\"\"" + text.substr(at + 22)),
+            wrong("JoinDataSource: coluna  do source Notas não localizada.", "moxJoinDataSource",
+                  {"in the result there are: turma, outra"}));
+}
+
+TEST_F(DerivedFailuresTest, AnExpressionWithoutATextIsToldAsSuch) {
+  EXPECT_EQ(failureBehind(expression("Meio", "Notas", "")),
+            wrong("Erro ao processar expressão para coluna 'x': ", "moxExpressionDataSource",
+                  {"Coluna: x", "Expressão: ", "the expression has no value"}));
+}
+
+TEST_F(DerivedFailuresTest, ADivisionByZeroIsToldWithColumnAndExpression) {
+  EXPECT_EQ(failureBehind(expression("Meio", "Notas", "nota(0)/(nota(0)-9)")),
+            wrong("Divisão por zero.", "moxExpressionDataSource",
+                  {"Coluna: x", "Expressão: nota(0)/(nota(0)-9)"}));
+}
+
+TEST_F(DerivedFailuresTest, ACellWithoutItsFunctionIsToldByItsColumn) {
+  auto text = pivot("Meio", "Notas", "turma");
+  text.replace(text.find("moxDoubleAvg"), 12, "moxNenhuma");
+  auto const told = failureBehind(text);
+  ASSERT_EQ(told.size(), 4U);
+  EXPECT_NE(told[0].find("moxNenhuma"), std::string::npos) << told[0];
+  EXPECT_EQ(told[1], "as the function for the cells of nota");
 }
 
 TEST_F(DerivedFailuresTest, ATextCountsAsNothingInAnExpression) {
@@ -215,6 +251,46 @@ TEST_F(DerivedFailuresTest, AUnionThatReadsItselfIsARing) {
                      "in the definition 'Eu'"}));
 }
 
+TEST_F(DerivedFailuresTest, AStatementThatTheDatabaseRefusesIsNamedWithItsQuery) {
+  enter(
+      "<moxSQLDataSource name=\"Sem tabela\"><Command>select turma from nenhuma</Command>"
+      "</moxSQLDataSource>" +
+      sorter("Meio", "Sem tabela") + unionOf("Fim", "Notas", "Meio"));
+  auto const told = failureOfRun("Fim");
+  ASSERT_GE(told.size(), 3U);
+  EXPECT_NE(told[0].find("nenhuma"), std::string::npos) << told[0];
+  EXPECT_EQ(told[told.size() - 2], "in the source 'Sem tabela', a moxSQLDataSource");
+  EXPECT_EQ(told[told.size() - 1], "in the definition 'Fim'");
+}
+
+TEST_F(DerivedFailuresTest, AMemberThatFailsIsNamedWithItsGroup) {
+  enter(
+      "<moxGroupDataSource name=\"Grupo\" outputSource=\"c\" filterSource=\"n\"><DataSources>"
+      "<moxDadoDataSource name=\"n\" dataSource=\"Notas\"/><moxDadoDataSource name=\"c\">" +
+      expression("Soma", "n", "nada(0)") +
+      "</moxDadoDataSource></DataSources></moxGroupDataSource>" + sorter("Fim", "Grupo"));
+  EXPECT_EQ(failureOfRun("Grupo"),
+            (Strings{"Coluna não encontrada nada", "Coluna: x", "Expressão: nada(0)",
+                     "there are: turma, nota, x", "in the member 'c' of the group 'Grupo'",
+                     "in the definition 'Grupo'"}));
+  EXPECT_EQ(failureOfRun("Fim"),
+            (Strings{"Coluna não encontrada nada", "Coluna: x", "Expressão: nada(0)",
+                     "there are: turma, nota, x", "in the member 'c' of the group 'Grupo'",
+                     "in the source 'Grupo', a moxGroupDataSource", "in the definition 'Fim'"}));
+}
+
+TEST_F(DerivedFailuresTest, AMemberThatLacksItsInputIsNamedWithIt) {
+  enter(
+      "<moxGroupDataSource name=\"Grupo\" outputSource=\"m\" filterSource=\"n\"><DataSources>"
+      "<moxDadoDataSource name=\"n\" dataSource=\"Notas\"/><moxDadoDataSource name=\"m\">" +
+      aggregation("Soma", "Notas") + "</moxDadoDataSource></DataSources></moxGroupDataSource>");
+  EXPECT_EQ(failureOfRun("Grupo"),
+            (Strings{"Falha: m", "in the member 'm' of the group 'Grupo'",
+                     "the member 'm' of the group 'Grupo' reads the member 'Notas', which the "
+                     "group does not have",
+                     "in the definition 'Grupo'"}));
+}
+
 TEST_F(DerivedFailuresTest, SixtyFiveSourcesInAChainAreRunAndMoreAreRefused) {
   enterLevels(66, sorter);
   EXPECT_EQ(
@@ -222,8 +298,12 @@ TEST_F(DerivedFailuresTest, SixtyFiveSourcesInAChainAreRunAndMoreAreRefused) {
       65U);
   EXPECT_THAT(run("F64"), isMatrix({{"turma", texts("A", "B")}, {"nota", doubles(5.0, 9.0)}}));
   for (auto const* name : {"F65", "F66"}) {
-    EXPECT_EQ(failureOfRun(name), (Strings{"Fonte de dados externa inválida",
-                                           "in the definition '" + std::string(name) + "'"}));
+    auto const met = std::string(name) == "F65" ? "F1" : "F2";
+    EXPECT_EQ(
+        failureOfRun(name),
+        (Strings{"Fonte de dados externa inválida",
+                 "sources of data name each other more than 64 deep, met at: " + std::string(met),
+                 "in the definition '" + std::string(name) + "'"}));
   }
 }
 
@@ -238,5 +318,7 @@ TEST_F(DerivedFailuresTest, AFanOfEightLevelsIsRunWithEachSourceOnce) {
 TEST_F(DerivedFailuresTest, AFanOfFortyLevelsIsRefusedInsteadOfWalked) {
   enterLevels(40, [](auto const& name, auto const& ahead) { return unionOf(name, ahead, ahead); });
   EXPECT_EQ(failureOfRun("F40"),
-            (Strings{"Fonte de dados externa inválida", "in the definition 'F40'"}));
+            (Strings{"Fonte de dados externa inválida",
+                     "sources of data read each other in more than 200000 ways, met at: F16",
+                     "in the definition 'F40'"}));
 }

@@ -72,6 +72,60 @@ TEST_F(RunReportTest, NothingIsKeptUnlessAskedFor) {
   EXPECT_TRUE(report().ignoredFilters.empty());
 }
 
+TEST_F(RunReportTest, TellsTheSourceAtWorkWithoutAReport) {
+  Texts during;
+  auto const looks = [&](auto const&, std::string const&) {
+    during = context_->sourcesAtWork();
+    return true;
+  };
+  EXPECT_EQ(context_->sourcesAtWork(), Texts{});
+  run({entry("a"), entry("b", std::make_shared<FakeExecution>(looks))});
+  EXPECT_EQ(during, Texts{"b"});
+  EXPECT_EQ(context_->sourcesAtWork(), Texts{}) << "the run has ended";
+}
+
+TEST_F(RunReportTest, TellsTheSourceThatFailed) {
+  auto const gives = [](auto const&, std::string const&) { return false; };
+  auto const throws = [](auto const&, std::string const&) -> bool {
+    throw moxDefaultErrorImpl<moxError>("Quebrou");
+  };
+  EXPECT_THROW(run({entry("a"), entry("b", std::make_shared<FakeExecution>(gives)), entry("c")}),
+               moxError);
+  EXPECT_EQ(context_->sourcesAtWork(), Texts{"b"});
+  EXPECT_THROW(run({entry("d", std::make_shared<FakeExecution>(throws))}), moxError);
+  EXPECT_EQ(context_->sourcesAtWork(), Texts{"d"});
+}
+
+TEST_F(RunReportTest, TellsTheMemberThatFailedBehindItsGroup) {
+  auto const groupOf = [this](List const& members) {
+    return std::make_shared<FakeExecution>([this, members](auto const&, std::string const& name) {
+      auto const child = std::make_shared<DataSourceExecutionContext>();
+      context_->appendContext(child, "", name, name, {});
+      return child->processDataSources({}, members, {}, 0);
+    });
+  };
+  auto const gives = [](auto const&, std::string const&) { return false; };
+  EXPECT_THROW(
+      run({entry("sound", groupOf({entry("m")})),
+           entry("broken",
+                 groupOf({entry("m"), entry("n", std::make_shared<FakeExecution>(gives))}))}),
+      moxError);
+  EXPECT_EQ(context_->sourcesAtWork(), (Texts{"broken", "n"}));
+}
+
+TEST_F(RunReportTest, AGroupThatRanIsNotAtWork) {
+  auto const group = [this](auto const&, std::string const& name) {
+    auto const child = std::make_shared<DataSourceExecutionContext>();
+    context_->appendContext(child, "", name, name, {});
+    return child->processDataSources({}, {entry("m")}, {}, 0);
+  };
+  auto const gives = [](auto const&, std::string const&) { return false; };
+  EXPECT_THROW(run({entry("g", std::make_shared<FakeExecution>(group)),
+                    entry("b", std::make_shared<FakeExecution>(gives))}),
+               moxError);
+  EXPECT_EQ(context_->sourcesAtWork(), Texts{"b"});
+}
+
 TEST_F(RunReportTest, IsASecondFaceOfTheContext) {
   std::shared_ptr<moxDataSourceExecutionContext> const context =
       host_.get<moxDataSourceExecutionContext>("moxDataSourceExecutionContext");

@@ -90,4 +90,9 @@ class moxRunReporter {
 
   /// What happened so far; after an exception up to where it was thrown.
   virtual moxRunReport runReport() const = 0;
+
+  /// The names, in the run, of the sources at work: a group ahead of its member, and so on inside
+  /// of groups. After an exception those that it came from; empty ahead of a run and once it has
+  /// ended. Told without a report as well.
+  virtual std::vector<std::string> sourcesAtWork() const = 0;
 };

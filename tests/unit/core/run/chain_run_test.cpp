@@ -56,6 +56,8 @@ class ChainRunTest : public RunTest {
   int studentCount() { return static_cast<int>(newRun().run()->rowCount()); }
 };
 
+using Texts = std::vector<std::string>;
+
 std::vector<std::string> detailsOf(DefinitionRun& run) {
   try {
     run.run();
@@ -103,10 +105,105 @@ TEST_F(ChainRunTest, OrderIsSetOnce) {
   EXPECT_THROW(run.setOrder({{"soma", true}}), std::logic_error);
 }
 
+/// What the explanation of a run tells of its chain.
+Texts problemsOf(DefinitionRun run) {
+  run.keepReport(DefinitionRun::Report::kKept);
+  run.run();
+  return explain(run, DefinitionRun::Report::kKept, "").chainProblems;
+}
+
+TEST_F(ChainRunTest, SoundChainHasNoProblems) {
+  EXPECT_EQ(problemsOf(newRun("Ordem")), Texts{});
+}
+
+TEST_F(ChainRunTest, ColumnsThatTheRowsDoNotHaveAreTold) {
+  define(
+      "<moxAggregationDataSource name=\"Trocada\" dataSource=\"Alunos\"><moxDataMatrixAggregator>"
+      "<Indexes><Index name=\"turma\"/></Indexes><Functions>"
+      "<moxDoubleSum source=\"pontos\" target=\"soma\"/></Functions></moxDataMatrixAggregator>"
+      "</moxAggregationDataSource>" +
+      sorter("Ordem trocada", "Trocada", "<column name=\"media\"/>", "no") +
+      sorter("Oferta trocada", "Ordem trocada", "<column name=\"soma\"/><column name=\"x\"/>",
+             "yes"));
+  EXPECT_EQ(problemsOf(newRun("Oferta trocada")),
+            (Texts{"the source 'Trocada' groups by 'turma', a column that the rows of 'Alunos' do "
+                   "not have",
+                   "the source 'Trocada' computes 'soma' by moxDoubleSum from 'pontos', a column "
+                   "that the rows of 'Alunos' do not have",
+                   "the source 'Ordem trocada' sorts by 'media', a column that the rows of "
+                   "'Trocada' do not have",
+                   "the source 'Oferta trocada' offers to sort by 'x', a column that the rows of "
+                   "'Ordem trocada' do not have"}));
+}
+
+TEST_F(ChainRunTest, FiguresOfAnotherKindAreTold) {
+  define(
+      "<moxAggregationDataSource name=\"Vazia\" dataSource=\"Alunos\"><moxDataMatrixAggregator>"
+      "<Functions><moxIntegralSum source=\"nota\" target=\"soma\"/></Functions>"
+      "</moxDataMatrixAggregator></moxAggregationDataSource>");
+  EXPECT_EQ(problemsOf(newRun("Vazia")),
+            Texts{"the source 'Vazia' computes 'soma' by moxIntegralSum from 'nota', which is "
+                  "double and not int"});
+}
+
+TEST_F(ChainRunTest, ColumnsTakenAsAnotherKindAndListsOfOtherLengthsAreTold) {
+  define(
+      "<moxUnionDataSource name=\"Lista\"><sources><source name=\"Alunos\">"
+      "<moxDataMatrixTextColumn name=\"nota\"/><moxDataMatrixTextColumn name=\"nome\"/></source>"
+      "<source name=\"Somas\"><moxDataMatrixDoubleColumn name=\"soma\"/></source></sources>"
+      "</moxUnionDataSource><moxUnionDataSource name=\"Nada\"/><moxJoinDataSource name=\"Junta\">"
+      "<sources><source name=\"Lista\"><columns><moxDataMatrixIntColumn columnName=\"nota\" "
+      "acolumnAlias=\"\"/></columns></source></sources></moxJoinDataSource>");
+  EXPECT_EQ(problemsOf(newRun("Junta")),
+            (Texts{"the source 'Lista' takes 'nota' of 'Alunos' as text, and it is double",
+                   "the source 'Lista' takes 1 columns of 'Somas', and 2 of 'Alunos', which comes "
+                   "first",
+                   "the source 'Junta' takes 'nota' of 'Lista' as int, and it is double",
+                   "the source 'Junta' has a column without a name"}));
+  EXPECT_EQ(problemsOf(newRun("Nada")),
+            Texts{"the source 'Nada' names no source whose rows it reads"});
+}
+
+TEST_F(ChainRunTest, ColumnsOfOneNameAreTold) {
+  auto const computed = [](std::string const& name) {
+    return "<moxColumnExpression name=\"" + name + "\">1</moxColumnExpression>";
+  };
+  define("<moxExpressionDataSource name=\"Conta\" source=\"Somas\"><expressions>" +
+         computed("soma") + computed("x") + computed("x") +
+         "</expressions></moxExpressionDataSource>");
+  EXPECT_EQ(problemsOf(newRun("Conta")),
+            (Texts{"the source 'Conta' computes 'soma', a name that the rows of 'Somas' had "
+                   "already, and by which the first is found",
+                   "the source 'Conta' has several columns called 'x', of which the first is "
+                   "found"}));
+}
+
+TEST_F(ChainRunTest, FailureTellsWhatWentWrongAheadOfIt) {
+  define(
+      "<moxAggregationDataSource name=\"Trocada\" dataSource=\"Alunos\"><moxDataMatrixAggregator>"
+      "<Indexes><Index name=\"turma\"/></Indexes></moxDataMatrixAggregator>"
+      "</moxAggregationDataSource><moxDataSourcePivoting name=\"Por turma\" source=\"Trocada\">"
+      "<rows><row source=\"turma\"/></rows></moxDataSourcePivoting>");
+  auto run = newRun("Por turma");
+  EXPECT_EQ(detailsOf(run),
+            (Texts{"there are no columns", "in the source 'Por turma', a moxDataSourcePivoting",
+                   "the source 'Trocada' groups by 'turma', a column that the rows "
+                   "of 'Alunos' do not have",
+                   "in the definition 'Por turma'"}));
+}
+
+TEST_F(ChainRunTest, RunThatOnlyComposesKnowsNoColumns) {
+  auto run = newRun("Erro");
+  run.keepReport(DefinitionRun::Report::kComposeOnly);
+  run.run();
+  EXPECT_EQ(explain(run, DefinitionRun::Report::kComposeOnly, "").chainProblems, Texts{});
+}
+
 TEST_F(ChainRunTest, FailureNamesTheSourceAtWork) {
   auto run = newRun("Cruzada");
   EXPECT_EQ(detailsOf(run),
-            (std::vector<std::string>{"in the source 'Cruzada', a moxDataSourcePivoting",
+            (std::vector<std::string>{"there are: id_unidade, soma",
+                                      "in the source 'Cruzada', a moxDataSourcePivoting",
                                       "in the definition 'Cruzada'"}));
 }
 

@@ -56,6 +56,42 @@ TEST_F(SearchRunTest, RowsStandInTheInitialOrderAndAreReadCellByCell) {
   EXPECT_EQ(run.search().getHeaderName(), "Os alunos");
 }
 
+Texts toldBy(SearchRun run) {
+  try {
+    run.run();
+  } catch (moxError const& error) {
+    auto told = error.errorDetails();
+    told.insert(told.begin(), error.errorMessage());
+    return told;
+  }
+  return {};
+}
+
+TEST_F(SearchRunTest, AFailureNamesTheMemberOfTheSearchedGroup) {
+  define(group("Turma", "C", "A",
+               member("A", students("A", "")) +
+                   member("C",
+                          "<moxExpressionDataSource name=\"C\" source=\"A\"><expressions>"
+                          "<moxColumnExpression name=\"x\">nada(0)</moxColumnExpression>"
+                          "</expressions></moxExpressionDataSource>")));
+  define(search("Busca", "Turma"));
+  EXPECT_EQ(toldBy(newSearch()),
+            (Texts{"Coluna não encontrada nada", "Coluna: x", "Expressão: nada(0)",
+                   "there are: id, nome, nota, nascimento, id_unidade, id_unidadematriz, x",
+                   "in the member 'C' of the group 'Turma'", "in the definition 'Busca'"}));
+}
+
+TEST_F(SearchRunTest, OfAChainTheSourceIsNamedAndWhatItLacks) {
+  define(students("Alunos", ""));
+  define("<moxSorterDataSource name=\"Ordem\" source=\"Alunos\"/>");
+  define(search("Busca", "Ordem"));
+  EXPECT_EQ(toldBy(newSearch()),
+            (Texts{"Falha: Ordem",
+                   "a search runs its source alone, and not those that it reads (Alunos): a group "
+                   "with all of them as members can be searched",
+                   "in the source 'Ordem', a moxSorterDataSource", "in the definition 'Busca'"}));
+}
+
 TEST_F(SearchRunTest, FiltersNarrowAndSortingFollows) {
   define(students("Alunos", "", filter("moxDoubleRangeFilter", "nota")));
   define(search("Busca", "Alunos"));

@@ -85,6 +85,33 @@ TEST_F(WiringTest, OnlyQueriesAreRestricted) {
                   "'A', but is no query"});
 }
 
+TEST_F(WiringTest, MembersReadTheRowsOfMembersAhead) {
+  auto const sorter = [](std::string const& name, std::string const& source) {
+    return member(name, "<moxSorterDataSource name=\"" + name + "\" source=\"" + source + "\"/>");
+  };
+  EXPECT_EQ(
+      problemsOf(
+          sorter("B", "A") + a_ + sorter("C", "A") + sorter("D", "") + sorter("E", "E") +
+          sorter("F", "Alunos") +
+          member("G", "<moxObjectDataSource name=\"G\"><Sql/><Binds/></moxObjectDataSource>") +
+          member("H", manager("A", "quem", "nome")) + sorter("I", "G") + sorter("J", "H")),
+      (Texts{"the member 'B' of the group 'Turma' reads the member 'A', which stands behind it",
+             "the member 'D' of the group 'Turma' names no source whose rows it reads",
+             "the member 'E' of the group 'Turma' reads itself",
+             "the member 'F' of the group 'Turma' reads the member 'Alunos', which the group does "
+             "not have",
+             "the member 'I' of the group 'Turma' reads the member 'G', which gives no rows",
+             "the member 'J' of the group 'Turma' reads the member 'H', which gives no rows"}));
+}
+
+TEST_F(WiringTest, ExternalMembersReadThroughTheirRelations) {
+  define("<moxSorterDataSource name=\"Ordem\" source=\"Alunos\"/>");
+  auto const related =
+      "<sourcesExternalRelation><relation external=\"Alunos\" internal=\"A\"/>"
+      "</sourcesExternalRelation>";
+  EXPECT_EQ(problemsOf(a_ + external("O", "Ordem", "", related)), Texts{});
+}
+
 TEST_F(WiringTest, FilterSourcesNeedAQueryAhead) {
   EXPECT_EQ(
       problemsOf(filterSource("F", "A") + a_ + filterSource("H", "Nada") + filterSource("I", "I") +
