@@ -4,13 +4,12 @@
 #include <string>
 
 #include "zyn/datasources/aggregation_data_source.h"
-#include "zyn/datasources/derived_data_source_execution.h"
+#include "zyn/datasources/definition_execution.h"
 
 /// The run of one aggregation.
-class AggregationDataSourceExecution final
-    : public DerivedDataSourceExecution<AggregationDataSource> {
+class AggregationDataSourceExecution final : public DefinitionExecution<AggregationDataSource> {
  public:
-  using DerivedDataSourceExecution::DerivedDataSourceExecution;
+  using DefinitionExecution::DefinitionExecution;
 
   std::string name() const override { return "moxAggregationDataSourceExecution"; }
 

@@ -3,15 +3,14 @@
 #include <memory>
 #include <string>
 
-#include "zyn/datasources/derived_data_source_execution.h"
+#include "zyn/datasources/definition_execution.h"
 #include "zyn/datasources/expression_data_source.h"
 
 /// One run of computed columns. They enter the input's own matrix, so that every holder of it sees
 /// them, and the context knows it under both names; each further run adds them once more.
-class ExpressionDataSourceExecution final
-    : public DerivedDataSourceExecution<ExpressionDataSource> {
+class ExpressionDataSourceExecution final : public DefinitionExecution<ExpressionDataSource> {
  public:
-  using DerivedDataSourceExecution::DerivedDataSourceExecution;
+  using DefinitionExecution::DefinitionExecution;
 
   std::string name() const override { return "moxExpressionDataSourceExecution"; }
 

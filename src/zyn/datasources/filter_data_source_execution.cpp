@@ -4,8 +4,6 @@
 
 bool FilterDataSourceExecution::generateDataMatrix(
     std::shared_ptr<moxDataSourceExecutionContext> context, std::string const& targetName) const {
-  auto const resultName = targetName.empty() ? dataSource_->getName() : targetName;
-  auto const changed = dataSource_->getDataSourceName();
-  return context->registerDataMatrix(
-      resultName, context->getDataMatrix(externalRelations_.nameInContext(changed)));
+  return context->registerDataMatrix(resultName(targetName),
+                                     input(*context, definition().getDataSourceName()));
 }

@@ -13,31 +13,30 @@
 
 bool GroupDataSourceExecution::generateDataMatrix(
     std::shared_ptr<moxDataSourceExecutionContext> context, std::string const& targetName) const {
-  DepthGuard const guard(dataSource_->getName());
+  DepthGuard const guard(definition().getName());
   auto const child = moxApp->get<moxDataSourceExecutionContext>("moxDataSourceExecutionContext");
   if (auto const* const own = dynamic_cast<DataSourceExecutionContext const*>(context.get())) {
-    own->appendContext(child, dataSource_->getFilterSource(), dataSource_->getName(), targetName,
+    own->appendContext(child, definition().getFilterSource(), definition().getName(), targetName,
                        managers_);
   }
   auto const* const report = reportOf(*context);
-  GroupWiring wiring(dataSource_->getName(), report ? report->runRecorder() : nullptr);
+  GroupWiring wiring(definition().getName(), report ? report->runRecorder() : nullptr);
   wire(wiring);
   run(*context, wiring, *child);
-  auto const output = dataSource_->getOutputSource();
+  auto const output = definition().getOutputSource();
   auto const matrix = child->getDataMatrix(output);
   if (!matrix) {
     recordWiring(*context, [&] { return "gives no rows: no member is called \"" + output + "\""; });
   }
-  return context->registerDataMatrix(targetName.empty() ? dataSource_->getName() : targetName,
-                                     matrix);
+  return context->registerDataMatrix(resultName(targetName), matrix);
 }
 
 void GroupDataSourceExecution::wire(GroupWiring& wiring) const {
   for (auto const& member : addedMembers_) {
     wiring.addMember(member);
   }
-  wiring.addMembersOf(*dataSource_);
-  auto const filterSource = dataSource_->getFilterSource();
+  wiring.addMembersOf(definition());
+  auto const filterSource = definition().getFilterSource();
   for (auto const& manager : managers_) {
     wiring.ruleMember(filterSource, manager);
   }
@@ -58,7 +57,7 @@ void GroupDataSourceExecution::run(moxDataSourceExecutionContext const& context,
 
 std::vector<std::shared_ptr<moxFilterSpecification const>> GroupDataSourceExecution::getFilters()
     const {
-  return offeredFilters(dataSource_->getFilters(), managers_, filterSources_);
+  return offeredFilters(definition().getFilters(), managers_, filterSources_);
 }
 
 void GroupDataSourceExecution::setFiltersDataSource(

@@ -6,20 +6,20 @@
 #include <vector>
 
 #include "mox/zyn/datasources/group_data_source.h"
+#include "zyn/datasources/definition_execution.h"
 
 class GroupWiring;
 class moxDataMatrix;
 
 /// The run of one group. Its members run in a context of their own, which lives as long as the one
 /// that the group runs in; only the result enters the latter.
-class GroupDataSourceExecution final : public virtual moxGroupDataSourceExecution {
+class GroupDataSourceExecution final
+    : public DefinitionExecution<moxGroupDataSource, moxGroupDataSourceExecution> {
  public:
   using ConstMember = std::shared_ptr<moxDadoDataSource const>;
   using NamedMatrix = std::pair<std::string, std::shared_ptr<moxDataMatrix>>;
 
-  /// `dataSource` is not empty.
-  explicit GroupDataSourceExecution(std::shared_ptr<moxGroupDataSource const> dataSource)
-      : dataSource_(std::move(dataSource)) {}
+  using DefinitionExecution::DefinitionExecution;
 
   std::string name() const override { return "moxGroupDataSourceExecution"; }
 
@@ -28,11 +28,6 @@ class GroupDataSourceExecution final : public virtual moxGroupDataSourceExecutio
   bool generateDataMatrix(std::shared_ptr<moxDataSourceExecutionContext> context,
                           std::string const& targetName) const override;
 
-  /// Nothing reads them: the members of a group see only each other.
-  void setDataSourceExternalRelation(
-      std::vector<std::pair<std::string, std::string>> const& relations) const override {
-    externalRelations_ = relations;
-  }
   std::vector<std::shared_ptr<moxFilterSpecification const>> getFilters() const override;
 
   void setManageFiltersData(std::vector<ManageFilterData> const& managers) override {
@@ -58,9 +53,7 @@ class GroupDataSourceExecution final : public virtual moxGroupDataSourceExecutio
   void run(moxDataSourceExecutionContext const& context, GroupWiring const& wiring,
            moxDataSourceExecutionContext& child) const;
 
-  std::shared_ptr<moxGroupDataSource const> const dataSource_;
   std::vector<ConstMember> addedMembers_;
-  mutable std::vector<std::pair<std::string, std::string>> externalRelations_;
   std::vector<NamedMatrix> givenMatrices_;
   std::vector<ManageFilterData> managers_;
   std::vector<FilterDataSource> filterSources_;

@@ -98,9 +98,9 @@ void record(RunRecorderHolder const& report, std::string const& source, std::str
 
 bool ObjectDataSourceExecution::generateDataMatrix(
     std::shared_ptr<moxDataSourceExecutionContext> context, std::string const& targetName) const {
-  auto const source = targetName.empty() ? dataSource_->getName() : targetName;
-  auto const parameters = parametersOf(*dataSource_, context->getDataSourceFilters(source));
-  auto const query = parse(dataSource_->getSQL()).query;
+  auto const source = resultName(targetName);
+  auto const parameters = parametersOf(definition(), context->getDataSourceFilters(source));
+  auto const query = parse(definition().getSQL()).query;
   if (auto const* const report = reportOf(*context)) {
     record(*report, source, query, parameters);
     if (!report->runRecorder()->mayChangeData()) {

@@ -2,19 +2,15 @@
 
 #include <memory>
 #include <string>
-#include <vector>
 
-#include "mox/zyn/datasources/data_source_execution.h"
 #include "mox/zyn/datasources/object_data_source.h"
-#include "zyn/datasources/external_relations.h"
+#include "zyn/datasources/definition_execution.h"
 #include "zyn/datasources/statement_tokens.h"
 
 /// One execution of a statement that changes data.
-class ObjectDataSourceExecution final : public virtual moxDataSourceExecution {
+class ObjectDataSourceExecution final : public DefinitionExecution<moxObjectDataSource> {
  public:
-  /// `dataSource` is not empty.
-  explicit ObjectDataSourceExecution(std::shared_ptr<moxObjectDataSource const> dataSource)
-      : dataSource_(std::move(dataSource)) {}
+  using DefinitionExecution::DefinitionExecution;
 
   std::string name() const override { return "moxObjectDataSourceExecution"; }
 
@@ -25,16 +21,7 @@ class ObjectDataSourceExecution final : public virtual moxDataSourceExecution {
   bool generateDataMatrix(std::shared_ptr<moxDataSourceExecutionContext> context,
                           std::string const& targetName) const override;
 
-  /// It reads no source.
-  void setDataSourceExternalRelation(ExternalRelations::Pairs const&) const override {}
-  std::vector<std::shared_ptr<moxFilterSpecification const>> getFilters() const override {
-    return dataSource_->getFilters();
-  }
-
   /// The statement with a mark for each token, and the tokens' names. What stands behind the last
   /// token stays: a condition there may be all that keeps a statement from the other rows.
   TokenizedStatement parse(std::string const& sql) const { return parseTokens(sql); }
-
- private:
-  std::shared_ptr<moxObjectDataSource const> const dataSource_;
 };

@@ -3,13 +3,13 @@
 #include <memory>
 #include <string>
 
-#include "zyn/datasources/derived_data_source_execution.h"
+#include "zyn/datasources/definition_execution.h"
 #include "zyn/datasources/pivot_data_source.h"
 
 /// One run of a cross table, inside a report.
-class DataSourcePivotingExecution final : public DerivedDataSourceExecution<DataSourcePivoting> {
+class DataSourcePivotingExecution final : public DefinitionExecution<DataSourcePivoting> {
  public:
-  using DerivedDataSourceExecution::DerivedDataSourceExecution;
+  using DefinitionExecution::DefinitionExecution;
 
   std::string name() const override { return "moxDataSourcePivotingExecution"; }
 

@@ -3,13 +3,13 @@
 #include <memory>
 #include <string>
 
-#include "zyn/datasources/derived_data_source_execution.h"
+#include "zyn/datasources/definition_execution.h"
 #include "zyn/datasources/sorter_data_source.h"
 
 /// The run of one sorter.
-class SorterDataSourceExecution final : public DerivedDataSourceExecution<SorterDataSource> {
+class SorterDataSourceExecution final : public DefinitionExecution<SorterDataSource> {
  public:
-  using DerivedDataSourceExecution::DerivedDataSourceExecution;
+  using DefinitionExecution::DefinitionExecution;
 
   std::string name() const override { return "moxSorterDataSourceExecution"; }
 

@@ -3,13 +3,13 @@
 #include <memory>
 #include <string>
 
-#include "zyn/datasources/derived_data_source_execution.h"
+#include "zyn/datasources/definition_execution.h"
 #include "zyn/datasources/union_data_source.h"
 
 /// One run of a union.
-class UnionDataSourceExecution final : public DerivedDataSourceExecution<UnionDataSource> {
+class UnionDataSourceExecution final : public DefinitionExecution<UnionDataSource> {
  public:
-  using DerivedDataSourceExecution::DerivedDataSourceExecution;
+  using DefinitionExecution::DefinitionExecution;
 
   std::string name() const override { return "moxUnionDataSourceExecution"; }
 

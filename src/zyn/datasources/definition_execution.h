@@ -2,19 +2,21 @@
 
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "mox/zyn/datasources/data_source_execution.h"
 #include "mox/zyn/datasources/data_source_execution_context.h"
 #include "zyn/datasources/external_relations.h"
 
-/// What the runs share that compute a matrix out of matrices of their context. `Definition` is the
-/// class that they run.
-template <class Definition>
-class DerivedDataSourceExecution : public virtual moxDataSourceExecution {
+/// What the runs of definitions share: they keep their definition, offer its filters, and know its
+/// sources, and their own result, by the names of the context. `Definition` is the class that they
+/// run, `Interface` theirs.
+template <class Definition, class Interface = moxDataSourceExecution>
+class DefinitionExecution : public virtual Interface {
  public:
   /// `definition` is not empty.
-  explicit DerivedDataSourceExecution(std::shared_ptr<Definition const> definition)
+  explicit DefinitionExecution(std::shared_ptr<Definition const> definition)
       : definition_(std::move(definition)) {}
 
   void setDataSourceExternalRelation(ExternalRelations::Pairs const& relations) const override {
