@@ -222,6 +222,33 @@ def test_a_definition_that_cannot_be_read_is_told_with_its_place(zyn, folder):
     assert left(folder) == {"a.xml"}
 
 
+MISSPELT = """<moxZYNCollection>
+<moxAggregationDataSource name="Somas" source="Alunos">
+  <moxDataMatrixAggregator><Index name="id"/></moxDataMatrixAggregator>
+</moxAggregationDataSource>
+</moxZYNCollection>"""
+
+
+def test_what_a_source_passes_over_is_a_note_with_its_place(zyn, folder):
+    put(folder, "a.xml", MISSPELT)
+    done = zyn.zyn("pack", "a.xml", "--out", "a.zcf")
+    assert done.returncode == 0
+    assert done.stderr.splitlines() == [
+        "zyn: note: a.xml:2: moxAggregationDataSource does not read its attribute source; it reads name, dataSource, "
+        "generateTempTable, countColumn",
+        "zyn: note: a.xml:2: moxAggregationDataSource has no dataSource",
+        "zyn: note: a.xml:3: moxDataMatrixAggregator does not read Index inside of it; it reads Indexes, Functions",
+    ]
+
+
+def test_a_refused_source_is_told_with_what_its_class_does_not_read(zyn, folder):
+    put(folder, "a.xml", MISSPELT.replace("moxDataMatrixAggregator", "moxAggregator").replace("source=", "dataSource="))
+    assert zyn.refusal("pack", "a.xml", "--out", "a.zcf") == (
+        "a.xml:2: moxAggregationDataSource is not complete: its class refuses it; a.xml:3: moxAggregationDataSource does not "
+        "read moxAggregator inside of it; it reads moxDataMatrixAggregator"
+    )
+
+
 def test_a_text_that_no_reader_would_unfold_is_not_packed(zyn, folder):
     put(folder, "a.xml", "<moxZYNCollection>" + " " * (4 << 20) + "</moxZYNCollection>")
     line = zyn.refusal("pack", "a.xml", "--out", "a.zcf")

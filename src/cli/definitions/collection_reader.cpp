@@ -1,12 +1,16 @@
 #include "cli/definitions/collection_reader.h"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
+#include <algorithm>
 #include <string_view>
 
+#include "cli/definitions/unread_parts.h"
 #include "mox/core/blob.h"
 #include "mox/core/file_operations.h"
 #include "mox/core/xml.h"
+#include "mox/core/xml_table.h"
 #include "mox/zyn/items/zyn_item.h"
 #include "mox/zyn/items/zyn_load_report.h"
 
@@ -40,6 +44,24 @@ auto at(std::string const& place, Read const& read) {
   }
 }
 
+/// Of each child of the root, in order; none for a document that is not handed out in pieces.
+std::vector<std::vector<std::string>> unreadPartsOf(moxXMLDocument const& document,
+                                                    moxReadBlob const& bytes,
+                                                    std::string const& path) {
+  std::vector<std::vector<std::string>> parts;
+  if (auto const* const pieces = dynamic_cast<moxXMLPieces const*>(&document)) {
+    bool const handedOut = pieces->readPieces(bytes, [&](auto const& table, auto element) {
+      if (element != 0) {
+        parts.push_back(unreadParts(table, element, path));
+      }
+    });
+    if (!handedOut) {
+      parts.clear();
+    }
+  }
+  return parts;
+}
+
 std::string placeOf(std::string const& path, moxXMLNode const& element) {
   return fmt::format("{}:{}", path, element.line());
 }
@@ -55,14 +77,17 @@ OpenCollection CollectionReader::read(std::string const& path) {
     fail(placeOf(path, *root), fmt::format("the root element is {}, and that of a collection is {}",
                                            root->elementName(), kRoot));
   }
-  for (int i = 0; auto const element = root->childByIndex(i); ++i) {
-    readElement(path, element);
+  auto const unread = unreadPartsOf(*document, *bytes, path);
+  for (std::size_t i = 0; auto const element = root->childByIndex(static_cast<int>(i)); ++i) {
+    readElement(path, element, i < unread.size() ? unread[i] : std::vector<std::string>());
   }
   return {path, bytes, root->readAttribute("parentLibraryName")};
 }
 
 void CollectionReader::readElement(std::string const& path,
-                                   std::shared_ptr<moxXMLNode> const& element) {
+                                   std::shared_ptr<moxXMLNode> const& element,
+                                   std::vector<std::string> const& unread) {
+  std::for_each(unread.begin(), unread.end(), [this](auto const& part) { notes_.add(part); });
   auto const name = element->elementName();
   auto const place = placeOf(path, *element);
   try {
@@ -71,7 +96,9 @@ void CollectionReader::readElement(std::string const& path,
       return takeAlong(place, name, "its class is no definition that is available here");
     }
     if (!at(place, [&] { return item->load(element); })) {
-      fail(place, name + " is not complete: its class refuses it");
+      auto const refused = name + " is not complete: its class refuses it";
+      fail(place,
+           fmt::format("{}{}{}", refused, unread.empty() ? "" : "; ", fmt::join(unread, "; ")));
     }
     checkRoles(path, *element, *item);
     if (auto const* const report = dynamic_cast<moxZYNLoadReport const*>(item.get())) {
