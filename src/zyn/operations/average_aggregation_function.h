@@ -8,6 +8,17 @@
 
 #include "zyn/operations/single_target_aggregation_function.h"
 
+/// Behind the target's name, that of the column in which values are counted.
+inline constexpr char const* kCounterSuffix = "$Counter";
+
+/// That of whole numbers is a whole number; its fraction is dropped.
+inline double meanOf(double sum, int count) {
+  return sum / count;
+}
+inline int meanOf(int sum, int count) {
+  return static_cast<int>(std::int64_t{sum} / std::int64_t{count});
+}
+
 /// A mean: adds values and counts them in a column of its own, and divides at the end. `Sum` is the
 /// function that adds.
 template <class Sum>
@@ -37,7 +48,7 @@ class AverageAggregationFunction : public Sum {
     unsigned int const rows = result->rowCount();
     for (unsigned int row = 0; row < rows; ++row) {
       if (this->target()->goTo(row) && counter_->goTo(row) && counter_->get() != 0) {
-        this->target()->set(quotient(this->target()->get(), counter_->get()));
+        this->target()->set(meanOf(this->target()->get(), counter_->get()));
       }
     }
   }
@@ -68,12 +79,7 @@ class AverageAggregationFunction : public Sum {
   }
 
  private:
-  std::string counterName() const { return this->getTargetColumn() + "$Counter"; }
-
-  static double quotient(double sum, int count) { return sum / count; }
-  static int quotient(int sum, int count) {
-    return static_cast<int>(std::int64_t{sum} / std::int64_t{count});
-  }
+  std::string counterName() const { return this->getTargetColumn() + kCounterSuffix; }
 
   void countByGroups(NullBits const& nulls, KeyGroups const& groups) {
     std::vector<int> counts(groups.firstRow.size());

@@ -70,13 +70,6 @@ class TakenCells : public DirectCells {
   std::vector<GroupCell<T>> cells_;
 };
 
-double quotient(double sum, int count) {
-  return sum / count;
-}
-int quotient(int sum, int count) {
-  return static_cast<int>(std::int64_t{sum} / std::int64_t{count});
-}
-
 /// A sum, and the number of its values, by which it is divided at the end.
 template <moxDataMatrixTypes::Types kType, auto kKernel>
 class AverageCells final : public TakenCells<kType, kKernel> {
@@ -97,7 +90,7 @@ class AverageCells final : public TakenCells<kType, kKernel> {
     using Sum = typename moxDataMatrixValue<kType>::Type;
     auto& averages = dynamic_cast<CommonColumn<Sum>&>(*sums).storage();
     MatrixColumn const counters = makeColumn(moxDataMatrixTypes::Int);
-    counters->setName(sums->getName() + "$Counter");
+    counters->setName(sums->getName() + kCounterSuffix);
     auto& counts = dynamic_cast<CommonColumn<int>&>(*counters).storage();
     for (std::size_t i = 0; i < places.size(); ++i) {
       int const count = counts_[places[i]];
@@ -105,7 +98,7 @@ class AverageCells final : public TakenCells<kType, kKernel> {
         counts.pushNull();
       } else {
         counts.push(count);
-        averages.values.array()[i] = quotient(averages.values.array()[i], count);
+        averages.values.array()[i] = meanOf(averages.values.array()[i], count);
       }
     }
     return {sums, counters};
