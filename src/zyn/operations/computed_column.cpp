@@ -4,7 +4,6 @@
 
 #include "mox/core/application.h"
 #include "mox/core/error.h"
-#include "mox/core/error_with_details.h"
 #include "mox/zyn/frame/plugin_entry.h"
 #include "zyn/expressions/arithmetic.h"
 #include "zyn/matrix/data_matrix_columns.h"
@@ -31,13 +30,15 @@ std::string expressionDetail(ComputedColumnDefinition const& definition) {
 
 void ComputedColumn::fail() const {
   auto const reason = context->getError();
-  moxDefaultErrorImpl<moxError> const error(
-      "Erro ao processar expressão para coluna '" + definition->columnName + "': " + reason,
-      {columnDetail(*definition), expressionDetail(*definition)});
-  if (!reason.empty()) {
-    throw error;
+  auto const message =
+      "Erro ao processar expressão para coluna '" + definition->columnName + "': " + reason;
+  auto const where = columnDetail(*definition);
+  auto const expression = expressionDetail(*definition);
+  if (reason.empty()) {
+    throw moxDefaultErrorImpl<moxError>(message,
+                                        {where, expression, "the expression has no value"});
   }
-  throw moxErrorWithDetails(error, {}, {"the expression has no value"});
+  throw moxDefaultErrorImpl<moxError>(message, {where, expression});
 }
 
 void ComputedColumn::failDivision() const {
@@ -81,8 +82,8 @@ void ComputedColumns::parse(ComputedColumn& column) {
   try {
     column.isParsed = column.context->parse(column.definition->expression);
   } catch (moxError const& error) {
-    throw moxErrorWithDetails(
-        error, {columnDetail(*column.definition), expressionDetail(*column.definition)},
-        {columnsThere(matrix_)});
+    throw moxDefaultErrorImpl<moxError>(
+        error.errorMessage(), {columnDetail(*column.definition),
+                               expressionDetail(*column.definition), columnsThere(matrix_)});
   }
 }

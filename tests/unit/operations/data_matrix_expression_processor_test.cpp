@@ -366,6 +366,17 @@ TEST_F(DataMatrixExpressionProcessor, AnExpressionWithoutAValueFailsAtTheFirstRo
   EXPECT_EQ(errorOf(matrix({{"valor", ints(1)}})), "Erro ao processar expressão para coluna 'a': ");
 }
 
+TEST_F(DataMatrixExpressionProcessor, EveryFailureIsOfTheClassThatCallersCatch) {
+  for (std::string const expression : {"missing(0)", "valor(0)+1)", "valor()"}) {
+    auto const processor =
+        host_.get<moxDataMatrixExpressionProcessor>("moxDataMatrixExpressionProcessor");
+    processor->addColumn("a", expression, kDouble, kAllDecimals, kRound);
+    EXPECT_THROW(processor->processDataMatrix(matrix({{"valor", ints(1)}})),
+                 moxDefaultErrorImpl<moxError>)
+        << expression;
+  }
+}
+
 TEST_F(DataMatrixExpressionProcessor, APlainNameIsNoColumn) {
   add("a", "1 valor");
 
