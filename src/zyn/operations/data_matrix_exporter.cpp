@@ -71,31 +71,37 @@ void DataMatrixExporter::saveColumns(moxXMLNode& node) const {
   }
 }
 
+/// What is read replaces the rest at the end, so that a failure leaves all as it was.
 bool DataMatrixExporter::load(std::shared_ptr<moxXMLNode> node) {
   if (!node) {
     return false;
   }
-  formatters_.clear();
-  columns_.clear();
-  if (auto const formatters = node->childByIndex(0, kFormatters)) {
-    polymorphic_list::load<moxGenericFormatter>(
-        *formatters, [&](Formatter formatter) { addFormatter(std::move(formatter)); });
+  std::vector<Formatter> formatters;
+  if (auto const list = node->childByIndex(0, kFormatters)) {
+    polymorphic_list::load<moxGenericFormatter>(*list, [&](Formatter formatter) {
+      if (formatter) {
+        formatters.push_back(std::move(formatter));
+      }
+    });
   }
-  if (auto const columns = node->childByIndex(0, kColumns)) {
-    loadColumns(*columns);
-  }
+  auto const list = node->childByIndex(0, kColumns);
+  auto columns = list ? columnsIn(*list) : std::vector<Column>();
   takeFormat(loadFormat(*node));
+  formatters_ = std::move(formatters);
+  columns_ = std::move(columns);
   return true;
 }
 
-void DataMatrixExporter::loadColumns(moxXMLNode const& node) {
+std::vector<DataMatrixExporter::Column> DataMatrixExporter::columnsIn(moxXMLNode const& node) {
+  std::vector<Column> columns;
   for (int i = 0; auto const element = node.childByIndex(i, kColumn); ++i) {
-    columns_.push_back({{element->readAttribute("name"),
-                         infoOf(xml_attributes::readInt(*element, "expinfo")),
-                         element->readAttribute("formatter"),
-                         {}},
-                        typeOf(xml_attributes::readInt(*element, "type"))});
+    columns.push_back({{element->readAttribute("name"),
+                        infoOf(xml_attributes::readInt(*element, "expinfo")),
+                        element->readAttribute("formatter"),
+                        {}},
+                       typeOf(xml_attributes::readInt(*element, "type"))});
   }
+  return columns;
 }
 
 std::shared_ptr<moxDataMatrixExporterFormat> DataMatrixExporter::loadFormat(

@@ -45,7 +45,7 @@ class DataMatrixExporter final : public moxDataMatrixExporter,
 
   std::vector<Column>::iterator findColumn(std::string const& columnName);
   void saveColumns(moxXMLNode& node) const;
-  void loadColumns(moxXMLNode const& node);
+  static std::vector<Column> columnsIn(moxXMLNode const& node);
   void takeFormat(std::shared_ptr<moxDataMatrixExporterFormat> format);
   std::shared_ptr<moxDataMatrixExporterFormat> loadFormat(moxXMLNode const& node) const;
 

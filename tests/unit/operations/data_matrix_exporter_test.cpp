@@ -310,6 +310,18 @@ TEST_F(DataMatrixExporterTest, LoadingTakesThePlaceOfAllThatWasThere) {
             "expinfo=\"0\"/></Columns><OutputFormat/></r>");
 }
 
+TEST_F(DataMatrixExporterTest, AFileOfAnUnknownFormatChangesNothing) {
+  auto const exporter = exporterOf(matrix({{"a", ints()}}));
+  exporter->addFormatter(host_.get<moxGenericFormatter>("moxTextFormatter"));
+  std::string const before = saved(*exporter);
+
+  EXPECT_THROW(exporter->load(xml("<r><Columns><Column name='b'/></Columns>"
+                                  "<OutputFormat><moxNoFormat/></OutputFormat></r>")),
+               moxPluginNotFound);
+
+  EXPECT_EQ(saved(*exporter), before);
+}
+
 TEST_F(DataMatrixExporterTest, ANewSampleKeepsWhatWasSaidOfColumnsOfTheSameName) {
   auto const exporter = exporterOf(matrix({{"a", ints()}, {"b", ints()}, {"c", ints()}}));
   exporter->setColumnInfo("b", moxDataMatrixExporter::kDetalhe, "Segunda");
