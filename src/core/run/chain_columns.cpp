@@ -2,17 +2,22 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 #include <set>
+#include <typeinfo>
 #include <utility>
 
 #include <fmt/format.h>
 
+#include "core/run/definition_lookup.h"
 #include "core/run/filter_value.h"
+#include "mox/core/plugin_lookup.h"
 #include "mox/zyn/datasources/aggregation_data_source.h"
 #include "mox/zyn/datasources/data_source.h"
 #include "mox/zyn/datasources/data_source_execution_context.h"
 #include "mox/zyn/datasources/expression_data_source.h"
 #include "mox/zyn/datasources/join_data_source.h"
+#include "mox/zyn/datasources/pivot_data_source.h"
 #include "mox/zyn/datasources/sorter_data_source.h"
 #include "mox/zyn/datasources/union_data_source.h"
 #include "mox/zyn/matrix/aggregation_function.h"
@@ -36,9 +41,9 @@ char const* kindText(Type type) {
 /// One source, and what it says.
 class ColumnCheck {
  public:
-  ColumnCheck(moxDataSource const& source, moxDataSourceExecutionContext const& context,
-              std::vector<std::string>& problems)
-      : source_(source), context_(context), problems_(problems) {}
+  ColumnCheck(VELMORApplication& application, moxDataSource const& source,
+              moxDataSourceExecutionContext const& context, std::vector<std::string>& problems)
+      : application_(application), source_(source), context_(context), problems_(problems) {}
 
   void check() {
     if (auto const* const sums = dynamic_cast<moxAggregationDataSource const*>(&source_)) {
@@ -52,6 +57,8 @@ class ColumnCheck {
     } else if (auto const* const computed =
                    dynamic_cast<moxExpressionDataSource const*>(&source_)) {
       checkExpressions(*computed);
+    } else if (auto const* const pivot = dynamic_cast<moxPivotDataSource const*>(&source_)) {
+      checkPivot(*pivot);
     } else {
       return;
     }
@@ -97,14 +104,44 @@ class ColumnCheck {
 
   void checkFunction(moxCommonAggregationFunction const& function, Type kind,
                      std::string const& input) {
-    auto const name = function.getSourceColumn();
-    auto const deed =
-        "computes " + quotedForMessage(function.getTargetColumn()) + " by " + function.name();
-    auto const column = required(deed + " from", name, input);
+    checkFigure("computes " + quotedForMessage(function.getTargetColumn()) + " by " +
+                    function.name() + " from",
+                function.getSourceColumn(), kind, input);
+  }
+
+  void checkFigure(std::string const& deed, std::string const& name, Type kind,
+                   std::string const& input) {
+    auto const column = required(deed, name, input);
     if (column && column->getType() != kind) {
-      tell("{} from {}, which is {} and not {}", deed, quotedForMessage(name),
+      tell("{} {}, which is {} and not {}", deed, quotedForMessage(name),
            kindText(column->getType()), kindText(kind));
     }
+  }
+
+  void checkPivot(moxPivotDataSource const& pivot) {
+    for (auto const& [column, function] : pivot.getCellsPivot()) {
+      if (auto const kind = kindOf(function)) {
+        checkFigure("fills its cells by " + function + " from", column, *kind,
+                    pivot.getDataSourceName());
+      }
+    }
+  }
+
+  /// What the function of that name computes with; nothing when nobody has registered it.
+  std::optional<Type> kindOf(std::string const& functionName) const {
+    auto* const lookup = dynamic_cast<moxPluginLookup*>(&application_);
+    auto const found = lookup != nullptr
+                           ? lookup->find(functionName, typeid(moxCommonAggregationFunction))
+                           : nullptr;
+    auto const function = std::dynamic_pointer_cast<moxCommonAggregationFunction>(found);
+    if (!function) {
+      return {};
+    }
+    auto const aggregator =
+        madeByRegistry<moxDataMatrixAggregator>(application_, "moxDataMatrixAggregator");
+    aggregator->addFunction(function);
+    auto const columns = aggregator->getColumns();
+    return columns.size() == 1 ? std::optional(columns.front().second) : std::nullopt;
   }
 
   void checkSorter(moxSorterDataSource const& sorter) {
@@ -188,6 +225,7 @@ class ColumnCheck {
     }
   }
 
+  VELMORApplication& application_;
   moxDataSource const& source_;
   moxDataSourceExecutionContext const& context_;
   std::vector<std::string>& problems_;
@@ -196,11 +234,12 @@ class ColumnCheck {
 }  // namespace
 
 std::vector<std::string> columnProblems(
+    VELMORApplication& application,
     std::vector<std::shared_ptr<moxDataSource const>> const& sources,
     moxDataSourceExecutionContext const& context) {
   std::vector<std::string> problems;
   for (auto const& source : sources) {
-    ColumnCheck(*source, context, problems).check();
+    ColumnCheck(application, *source, context, problems).check();
   }
   return problems;
 }

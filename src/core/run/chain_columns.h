@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+class VELMORApplication;
 class moxDataSource;
 class moxDataSourceExecutionContext;
 
@@ -14,6 +15,7 @@ namespace mox::core {
 /// another kind, columns of one name, of which only the first is found. Sentences that name source
 /// and column; of many only the first ones. To be asked of a run that executed its sources.
 std::vector<std::string> columnProblems(
+    VELMORApplication& application,
     std::vector<std::shared_ptr<moxDataSource const>> const& sources,
     moxDataSourceExecutionContext const& context);
 

@@ -307,7 +307,8 @@ std::vector<std::string> DefinitionRun::detailsOfFailure() const {
   auto const atWork = reporter != nullptr ? reporter->sourcesAtWork() : std::vector<std::string>();
   auto details = placesOf(atWork, sources_);
   for (auto const& problems :
-       {chainProblems(sources_), columnProblems(sourcesAhead(atWork, sources_), *context_),
+       {chainProblems(sources_),
+        columnProblems(application_, sourcesAhead(atWork, sources_), *context_),
         readWiring(*definition()).problems}) {
     details.insert(details.end(), problems.begin(), problems.end());
   }
@@ -318,7 +319,7 @@ std::vector<std::string> DefinitionRun::detailsOfFailure() const {
 std::vector<std::string> DefinitionRun::problems() const {
   auto problems = chainProblems(sources_);
   if (!composesOnly_) {
-    auto const columns = columnProblems(sources_, *context_);
+    auto const columns = columnProblems(application_, sources_, *context_);
     problems.insert(problems.end(), columns.begin(), columns.end());
   }
   return problems;

@@ -146,6 +146,16 @@ TEST_F(ChainRunTest, FiguresOfAnotherKindAreTold) {
                   "double and not int"});
 }
 
+TEST_F(ChainRunTest, CellsOfAnotherKindAreTold) {
+  define(
+      "<moxDataSourcePivoting name=\"Sem números\" source=\"Alunos\"><columns><column "
+      "source=\"nome\"/></columns><rows/><cells><cell source=\"nota\" "
+      "aggregation=\"moxIntegralAvg\"/></cells></moxDataSourcePivoting>");
+  EXPECT_EQ(problemsOf(newRun("Sem números")),
+            Texts{"the source 'Sem números' fills its cells by moxIntegralAvg from 'nota', which "
+                  "is double and not int"});
+}
+
 TEST_F(ChainRunTest, ColumnsTakenAsAnotherKindAndListsOfOtherLengthsAreTold) {
   define(
       "<moxUnionDataSource name=\"Lista\"><sources><source name=\"Alunos\">"
