@@ -66,7 +66,8 @@ class NullBits {
     mayCoverValues_ |= other.mayCoverValues_;
   }
 
-  /// Replaces all rows; `isNull(row)` tells each, and is asked in ascending order.
+  /// Replaces all rows; `isNull(row)` tells each, and is asked in ascending order. Under a null the
+  /// default stands.
   template <class IsNull>
   void assign(std::size_t rows, IsNull isNull) {
     words_.assign(wordsFor(rows), 0);
@@ -74,7 +75,7 @@ class NullBits {
       words_[row / kBitsPerWord] |= std::uint64_t{isNull(row)} << (row % kBitsPerWord);
     }
     size_ = rows;
-    mayCoverValues_ = true;
+    mayCoverValues_ = false;
   }
 
   bool test(std::size_t row) const {

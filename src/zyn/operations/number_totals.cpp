@@ -204,12 +204,28 @@ void NumberTotals::take(std::uint32_t from, std::uint32_t count, std::uint32_t c
     layOut();
   }
   addGroups(groupCount);
-  constexpr std::size_t kNear = std::size_t{1} << 15;  // bytes that the nearest cache holds
+  constexpr std::size_t kNear = std::size_t{1} << 19;  // bytes that the nearer caches hold
   if (groupCount * stride_ > kNear) {
-    for (std::uint32_t i = 0; i < count; ++i) {
+    takeFar(from, count, groups);
+  } else {
+    takeNear(from, count, groups);
+  }
+}
+
+/// A few rows at a time, while memory brings the records of the next ones.
+void NumberTotals::takeFar(std::uint32_t from, std::uint32_t count, std::uint32_t const* groups) {
+  constexpr std::uint32_t kRows = 32;
+  for (std::uint32_t first = 0; first < count; first += kRows) {
+    std::uint32_t const rows = std::min(kRows, count - first);
+    std::uint32_t const next = first + rows;
+    for (std::uint32_t i = next; i < std::min(next + kRows, count); ++i) {
       __builtin_prefetch(records_.data() + groups[i] * stride_, 1);
     }
+    takeNear(from + first, rows, groups + first);
   }
+}
+
+void NumberTotals::takeNear(std::uint32_t from, std::uint32_t count, std::uint32_t const* groups) {
   if (sources_.empty()) {
     countRows(count, groups);
   }

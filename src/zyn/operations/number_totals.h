@@ -59,6 +59,8 @@ class NumberTotals final : public GroupTaker {
   Source const& sourceOf(MatrixColumn const& column) const;
   void layOut();
   void addGroups(std::uint32_t groupCount);
+  void takeFar(std::uint32_t from, std::uint32_t count, std::uint32_t const* groups);
+  void takeNear(std::uint32_t from, std::uint32_t count, std::uint32_t const* groups);
   void countRows(std::uint32_t count, std::uint32_t const* groups);
 
   std::vector<Source> sources_;

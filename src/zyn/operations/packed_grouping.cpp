@@ -22,6 +22,20 @@ std::uint32_t newGroup(FirstRows& firstRow, std::uint32_t row) {
   return static_cast<std::uint32_t>(firstRow.size() - 1);
 }
 
+/// Asks memory for what a row needs some rows before the row is looked at. To ask for a whole block
+/// first would take more lines than the nearest cache has.
+template <class Ask, class Look>
+void eachRowWithAhead(std::uint32_t count, Ask const& ask, Look const& look) {
+  constexpr std::uint32_t kAhead = 32;
+  for (std::uint32_t i = 0; i < std::min(kAhead, count); ++i) {
+    ask(i);
+  }
+  for (std::uint32_t i = 0; i < count; ++i) {
+    ask(std::min(i + kAhead, count - 1));
+    look(i);
+  }
+}
+
 /// Groups by their words themselves: an array with a place for each word.
 class DirectTable {
  public:
@@ -29,20 +43,28 @@ class DirectTable {
 
   void find(Words const& words, std::uint32_t from, std::uint32_t count, FirstRows& firstRow,
             Groups& groups) {
-    for (std::uint32_t i = 0; isLarge() && i < count; ++i) {
-      __builtin_prefetch(&groups_[words[i]]);
+    if (isLarge()) {
+      eachRowWithAhead(
+          count, [&](std::uint32_t i) { __builtin_prefetch(&groups_[words[i]]); },
+          [&](std::uint32_t i) { groups[i] = groupOf(words[i], from + i, firstRow); });
+      return;
     }
     for (std::uint32_t i = 0; i < count; ++i) {
-      std::uint32_t& group = groups_[words[i]];
-      if (group == kAbsent) {
-        group = newGroup(firstRow, from + i);
-      }
-      groups[i] = group;
+      groups[i] = groupOf(words[i], from + i, firstRow);
     }
   }
 
  private:
   bool isLarge() const { return groups_.size() > kNear; }
+
+  [[gnu::always_inline]] std::uint32_t groupOf(std::uint64_t word, std::uint32_t row,
+                                               FirstRows& firstRow) {
+    std::uint32_t& group = groups_[word];
+    if (group == kAbsent) {
+      group = newGroup(firstRow, row);
+    }
+    return group;
+  }
 
   static constexpr std::size_t kNear = std::size_t{1} << 14;  // the nearest cache holds them
 
@@ -66,24 +88,24 @@ class HashTable {
   }
 
  private:
-  static constexpr std::size_t kNear = std::size_t{1} << 12;  // slots that the nearest cache holds
+  static constexpr std::size_t kNear = std::size_t{1} << 15;  // slots that the nearer caches hold
 
-  /// Asks memory for all places first, as each is anywhere.
-  void findFar(Words const& words, std::uint32_t from, std::uint32_t count, FirstRows& firstRow,
-               Groups& groups) {
+  /// Asks memory for the places of some rows ahead, as each is anywhere.
+  [[gnu::noinline]] void findFar(Words const& words, std::uint32_t from, std::uint32_t count,
+                                 FirstRows& firstRow, Groups& groups) {
     std::array<std::uint64_t, kBlock> hashes;
     for (std::uint32_t i = 0; i < count; ++i) {
       hashes[i] = table_.hashOf(static_cast<Word>(words[i]));
     }
-    for (std::uint32_t i = 0; i < count; ++i) {
-      table_.prefetchAt(hashes[i]);
-    }
-    for (std::uint32_t i = 0; i < count; ++i) {
-      groups[i] = groupOf(hashes[i], static_cast<Word>(words[i]), from + i, firstRow);
-    }
+    eachRowWithAhead(
+        count, [&](std::uint32_t i) { table_.prefetchAt(hashes[i]); },
+        [&](std::uint32_t i) {
+          groups[i] = groupOf(hashes[i], static_cast<Word>(words[i]), from + i, firstRow);
+        });
   }
 
-  std::uint32_t groupOf(std::uint64_t hash, Word word, std::uint32_t row, FirstRows& firstRow) {
+  [[gnu::always_inline]] std::uint32_t groupOf(std::uint64_t hash, Word word, std::uint32_t row,
+                                               FirstRows& firstRow) {
     return table_.findOrAddAt(
         hash, word, [](std::uint32_t) { return true; }, [&] { return newGroup(firstRow, row); });
   }

@@ -107,9 +107,14 @@ void PackedKeys::assignShifts() {
     lane.shift = bits_;
     bits_ += static_cast<unsigned int>(std::popcount(lane.varying));
   }
+  constexpr unsigned int kIntBits = 32;
+  isOneInt_ = lanes_.size() == 1 && lanes_[0].part == Part::kInt && bits_ == kIntBits;
 }
 
 bool PackedKeys::words(std::uint32_t from, std::uint32_t count, std::uint64_t* words) const {
+  if (isOneInt_) {
+    return fetch(lanes_[0], from, count, words);
+  }
   Raw raw;
   std::fill_n(words, count, 0);
   for (Lane const& lane : lanes_) {

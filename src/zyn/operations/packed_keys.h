@@ -59,4 +59,5 @@ class PackedKeys {
   std::vector<Lane> lanes_;
   unsigned int bits_ = 0;
   bool isPossible_ = true;
+  bool isOneInt_ = false;  // whose bits all vary: the words are the numbers
 };
