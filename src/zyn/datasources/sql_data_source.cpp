@@ -10,9 +10,9 @@
 
 namespace {
 
-void appendPiece(std::string& statement, char const* keyWord, std::string const& piece) {
+void appendPiece(std::string& statement, char const* keyWord, std::string_view piece) {
   if (!piece.empty()) {
-    statement += keyWord + piece;
+    statement.append(keyWord).append(piece);
   }
 }
 
@@ -45,12 +45,12 @@ std::shared_ptr<moxDataSourceExecution> SQLDataSource::createExecution() const {
 
 std::string SQLDataSource::getSQL() const {
   if (sqlTipo_ != kComposed) {
-    return sql_;
+    return textOf(kSql);
   }
-  std::string statement = "select " + getSQLColumnsPlain() + " from " + sqlFrom_;
-  appendPiece(statement, " ", sqlJoin_);
-  appendPiece(statement, " where ", sqlWhere_);
-  appendPiece(statement, " group by ", sqlGroup_);
+  std::string statement = "select " + getSQLColumnsPlain() + " from " + textOf(kFrom);
+  appendPiece(statement, " ", texts_[kJoin]);
+  appendPiece(statement, " where ", texts_[kWhere]);
+  appendPiece(statement, " group by ", texts_[kGroup]);
   return statement;
 }
 

@@ -8,6 +8,7 @@
 #include "mox/zyn/datasources/sql_data_source.h"
 #include "zyn/datasources/column_list.h"
 #include "zyn/datasources/named_data_source.h"
+#include "zyn/items/packed_texts.h"
 
 /// The definition of a query. Made by the registry: runs and its search take shared pointers to it.
 class SQLDataSource final : public NamedDataSource<moxSQLDataSource>,
@@ -15,6 +16,21 @@ class SQLDataSource final : public NamedDataSource<moxSQLDataSource>,
                             public std::enable_shared_from_this<SQLDataSource> {
  public:
   using OrderColumn = std::pair<Column, bool>;
+
+  /// Places of the definition's texts, but for its name.
+  enum Text : std::size_t {
+    kHeaderName,
+    kPrefix,
+    kSufix,
+    kSql,  // of a plain statement, whatever the form
+    kFrom,
+    kJoin,
+    kWhere,
+    kGroup,
+    kWhereAnd,
+    kTextCount,
+  };
+  using Texts = PackedTexts<kTextCount>;
 
   std::string name() const override { return "moxSQLDataSource"; }
 
@@ -42,7 +58,7 @@ class SQLDataSource final : public NamedDataSource<moxSQLDataSource>,
   }
   std::shared_ptr<moxDataSourceExecution> createExecution() const override;
 
-  void setSQL(std::string const& sql) override { sql_ = sql; }
+  void setSQL(std::string const& sql) override { texts_.set(kSql, sql); }
   std::string getSQL() const override;
   void addFilter(Filter filter) override;
   void removeFilter(Filter filter) override { std::erase(filters_, filter); }
@@ -50,8 +66,8 @@ class SQLDataSource final : public NamedDataSource<moxSQLDataSource>,
   void addOrderColumn(Column column, bool descending) override;
   void removeOrderColumn(Column column) override;
   std::vector<OrderColumn> getOrderColumns() const override { return orderColumns_; }
-  void setWhereAnd(std::string const& whereAnd) override { whereAnd_ = whereAnd; }
-  std::string getWhereAnd() const override { return whereAnd_; }
+  void setWhereAnd(std::string const& whereAnd) override { texts_.set(kWhereAnd, whereAnd); }
+  std::string getWhereAnd() const override { return textOf(kWhereAnd); }
   Column createColumn(FieldInfo const* info) override { return columns_.create(info); }
   void removeColumn(Column column) override { columns_.remove(column); }
   std::vector<Column> columns() override { return columns_.all(); }
@@ -65,8 +81,10 @@ class SQLDataSource final : public NamedDataSource<moxSQLDataSource>,
     return columns_.find(table, column);
   }
   ConstColumn columnAt(unsigned int index) const override { return columns_.at(index); }
-  void setHeaderName(std::string const& headerName) override { headerName_ = headerName; }
-  std::string getHeaderName() const override { return headerName_; }
+  void setHeaderName(std::string const& headerName) override {
+    texts_.set(kHeaderName, headerName);
+  }
+  std::string getHeaderName() const override { return textOf(kHeaderName); }
   Column getMainColumn() const override { return mainColumn_; }
   void setMainColumn(Column column) override { mainColumn_ = std::move(column); }
   Column getStatusColumn() const override { return statusColumn_; }
@@ -81,24 +99,24 @@ class SQLDataSource final : public NamedDataSource<moxSQLDataSource>,
   std::shared_ptr<moxSearch> getSearch() override { return search_; }
   void setSearch(std::shared_ptr<moxSearch> search) override { search_ = std::move(search); }
   bool getModoCompatibilidade() const override { return modoCompatibilidade_; }
-  void setPrefix(std::string const& prefix) override { prefix_ = prefix; }
-  std::string getPrefix() const override { return prefix_; }
+  void setPrefix(std::string const& prefix) override { texts_.set(kPrefix, prefix); }
+  std::string getPrefix() const override { return textOf(kPrefix); }
   std::vector<std::pair<std::string, std::string>> getSQLColumns() const override {
     return columns_.expressionsByIndex();
   }
-  std::string getSQLFrom() const override { return sqlFrom_; }
-  void setSQLFrom(std::string const& from) override { sqlFrom_ = from; }
-  std::string getSQLJoin() const override { return sqlJoin_; }
-  void setSQLJoin(std::string const& join) override { sqlJoin_ = join; }
-  std::string getSQLWhere() const override { return sqlWhere_; }
-  void setSQLWhere(std::string const& where) override { sqlWhere_ = where; }
+  std::string getSQLFrom() const override { return textOf(kFrom); }
+  void setSQLFrom(std::string const& from) override { texts_.set(kFrom, from); }
+  std::string getSQLJoin() const override { return textOf(kJoin); }
+  void setSQLJoin(std::string const& join) override { texts_.set(kJoin, join); }
+  std::string getSQLWhere() const override { return textOf(kWhere); }
+  void setSQLWhere(std::string const& where) override { texts_.set(kWhere, where); }
   SQLType getSQLTipo() const override { return sqlTipo_; }
   void setSQLTipo(SQLType type) override { sqlTipo_ = type; }
-  std::string getSQLGroup() const override { return sqlGroup_; }
-  void setSQLGroup(std::string const& group) override { sqlGroup_ = group; }
+  std::string getSQLGroup() const override { return textOf(kGroup); }
+  void setSQLGroup(std::string const& group) override { texts_.set(kGroup, group); }
   std::string getSQLColumnsPlain() const override { return columns_.selectList(); }
-  void setSufix(std::string const& sufix) override { sufix_ = sufix; }
-  std::string getSufix() const override { return sufix_; }
+  void setSufix(std::string const& sufix) override { texts_.set(kSufix, sufix); }
+  std::string getSufix() const override { return textOf(kSufix); }
 
   // For reading and writing the definition's element.
 
@@ -107,21 +125,15 @@ class SQLDataSource final : public NamedDataSource<moxSQLDataSource>,
   ColumnList const& columnList() const { return columns_; }
   std::vector<Filter> const& filterList() const { return filters_; }
 
-  /// The text of a plain statement, whatever the form.
-  std::string const& plainSql() const { return sql_; }
+  Texts& texts() { return texts_; }
+  Texts const& texts() const { return texts_; }
   void setModoCompatibilidade() { modoCompatibilidade_ = true; }
   std::shared_ptr<moxSearch const> search() const { return search_; }
 
  private:
-  std::string headerName_;
-  std::string prefix_;
-  std::string sql_;
-  std::string sqlFrom_;
-  std::string sqlJoin_;
-  std::string sqlWhere_;
-  std::string sqlGroup_;
-  std::string sufix_;
-  std::string whereAnd_;
+  std::string textOf(Text text) const { return std::string(texts_[text]); }
+
+  Texts texts_;
   ColumnList columns_;
   std::vector<Filter> filters_;
   std::vector<OrderColumn> orderColumns_;

@@ -26,22 +26,48 @@ constexpr std::string_view kAllowNull = "allownull";
 
 struct Piece {
   std::string_view element;
-  std::string (moxSQLDataSource::*get)() const;
-  void (moxSQLDataSource::*set)(std::string const&);
+  SQLDataSource::Text text;
 };
 
 constexpr std::array<Piece, 2> kScripts = {{
-    {"Prefix", &moxSQLDataSource::getPrefix, &moxSQLDataSource::setPrefix},
-    {"Sufix", &moxSQLDataSource::getSufix, &moxSQLDataSource::setSufix},
+    {"Prefix", SQLDataSource::kPrefix},
+    {"Sufix", SQLDataSource::kSufix},
 }};
 
-constexpr Piece kFrom = {"from", &moxSQLDataSource::getSQLFrom, &moxSQLDataSource::setSQLFrom};
+constexpr Piece kFrom = {"from", SQLDataSource::kFrom};
 
 constexpr std::array<Piece, 3> kOptionalPieces = {{
-    {"join", &moxSQLDataSource::getSQLJoin, &moxSQLDataSource::setSQLJoin},
-    {"where", &moxSQLDataSource::getSQLWhere, &moxSQLDataSource::setSQLWhere},
-    {"group", &moxSQLDataSource::getSQLGroup, &moxSQLDataSource::setSQLGroup},
+    {"join", SQLDataSource::kJoin},
+    {"where", SQLDataSource::kWhere},
+    {"group", SQLDataSource::kGroup},
 }};
+
+/// Gathers a definition's texts while they are read. They are stored together, so that to set them
+/// one by one would copy them all each time.
+class GatheredTexts {
+ public:
+  explicit GatheredTexts(SQLDataSource& source) : source_(source), texts_(source.texts().all()) {}
+
+  void readAttribute(SQLDataSource::Text text, XmlElement const& node, std::string_view name) {
+    texts_[text] = node.attribute(name, room_[text]);
+  }
+  void readContent(SQLDataSource::Text text, XmlElement const& element) {
+    texts_[text] = element.text(room_[text]);
+  }
+  void readPiece(Piece const& piece, XmlElement const& node) {
+    if (auto const element = node.child(piece.element)) {
+      readContent(piece.text, element);
+    }
+  }
+
+  /// The document may not go before this.
+  void store() { source_.texts().assign(texts_); }
+
+ private:
+  SQLDataSource& source_;
+  SQLDataSource::Texts::Views texts_;
+  std::array<std::string, SQLDataSource::kTextCount> room_;  // not used where there is a table
+};
 
 Column unitColumnOf(SQLDataSource const& source) {
   return source.getUnidadeColumn().first;
@@ -67,14 +93,8 @@ constexpr std::array<Role, 4> kRoles = {{
      [](SQLDataSource& source, Column column) { source.setDescricaoColumn(std::move(column)); }},
 }};
 
-void readPiece(SQLDataSource& source, XmlElement const& node, Piece const& piece) {
-  if (auto const element = node.child(piece.element)) {
-    (source.*piece.set)(element.text());
-  }
-}
-
 void writePiece(SQLDataSource const& source, moxXMLNode& node, Piece const& piece) {
-  auto const text = (source.*piece.get)();
+  auto const text = source.texts()[piece.text];
   if (!text.empty()) {
     node.addChild(piece.element)->writeText(text);
   }
@@ -111,24 +131,24 @@ Column requireColumn(SQLDataSource const& source, std::string const& table,
   return found;
 }
 
-void readComposed(SQLDataSource& source, XmlElement const& command) {
+void readComposed(SQLDataSource const& source, GatheredTexts& texts, XmlElement const& command) {
   if (!command.child(kFrom.element)) {
     throw definitionError("Fonte de dados " + source.getName() + " sem \"from\"", command,
                           "a statement of type 1 needs a child \"from\", which may be empty");
   }
-  readPiece(source, command, kFrom);
+  texts.readPiece(kFrom, command);
   for (auto const& piece : kOptionalPieces) {
-    readPiece(source, command, piece);
+    texts.readPiece(piece, command);
   }
 }
 
-void readCommand(SQLDataSource& source, XmlElement const& command) {
+void readCommand(SQLDataSource& source, GatheredTexts& texts, XmlElement const& command) {
   if (command.attribute("type") == "1") {
     source.setSQLTipo(moxSQLDataSource::kComposed);
-    readComposed(source, command);
+    readComposed(source, texts, command);
   } else {
     source.setSQLTipo(moxSQLDataSource::kPlain);
-    source.setSQL(command.text());
+    texts.readContent(SQLDataSource::kSql, command);
   }
 }
 
@@ -137,10 +157,10 @@ void writeCommand(SQLDataSource const& source, moxXMLNode& node) {
   bool const isComposed = source.getSQLTipo() == moxSQLDataSource::kComposed;
   command->writeAttribute("type", isComposed ? "1" : "0");
   if (!isComposed) {
-    command->writeText(source.plainSql());
+    command->writeText(source.texts()[SQLDataSource::kSql]);
     return;
   }
-  command->addChild(kFrom.element)->writeText(source.getSQLFrom());
+  command->addChild(kFrom.element)->writeText(source.texts()[kFrom.text]);
   for (auto const& piece : kOptionalPieces) {
     writePiece(source, *command, piece);
   }
@@ -189,7 +209,8 @@ void readColumns(SQLDataSource& source, XmlElement const& node) {
   if (list.child(kColumn)) {
     source.columnList().load(list, kColumn);
   } else if (readShortColumns(source, list) && isSubqueryAllowed(node)) {
-    source.setSQL("select * from ( " + source.plainSql() + " ) command ");
+    std::string const statement(source.texts()[SQLDataSource::kSql]);
+    source.setSQL("select * from ( " + statement + " ) command ");
   }
 }
 
@@ -379,23 +400,26 @@ void readOldForm(SQLDataSource& source, XmlElement const& node) {
 }  // namespace
 
 void sql_data_source_xml::read(SQLDataSource& source, XmlElement const& node) {
-  source.setHeaderName(node.attribute("VisibleName"));
+  GatheredTexts texts(source);
+  texts.readAttribute(SQLDataSource::kHeaderName, node, "VisibleName");
   source.setName(node.attribute("name"));
   for (auto const& script : kScripts) {
-    readPiece(source, node, script);
+    texts.readPiece(script, node);
   }
   auto const command = node.child("Command");
   if (!command) {
+    texts.store();
     readOldForm(source, node);
     return;
   }
-  readCommand(source, command);
+  readCommand(source, texts, command);
+  texts.readAttribute(SQLDataSource::kWhereAnd, node, "whereand");
+  texts.store();
   readColumns(source, node);
   readOrder(source, node);
   readRelations(source, node);
   readRoles(source, node);
   readFilters(source, node);
-  source.setWhereAnd(node.attribute("whereand"));
   readSearch(source, node);
 }
 

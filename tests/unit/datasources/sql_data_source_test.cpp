@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "mox/core/registry.h"
+#include "mox/core/xml.h"
 #include "mox/zyn/filters/filter_specification.h"
 #include "unit/datasources/sql_source_fixture.h"
 #include "zyn/datasources/data_source_label.h"
@@ -199,6 +200,44 @@ TEST_F(SqlDataSource, ThePlainStatementIsTakenAsItStands) {
   made->setSQL("  select 1 ;");
   made->setSQLFrom("ignored");
   EXPECT_EQ(made->getSQL(), "  select 1 ;");
+}
+
+TEST_F(SqlDataSource, EachTextIsKeptForItself) {
+  auto const made = newSource();
+  std::string const text(300, 'x');
+  made->setHeaderName("1" + text);
+  made->setPrefix("2" + text);
+  made->setSQL("3" + text);
+  made->setSQLFrom("4" + text);
+  made->setSQLJoin("5" + text);
+  made->setSQLWhere("6" + text);
+  made->setSQLGroup("7" + text);
+  made->setSufix("8" + text);
+  made->setWhereAnd("9" + text);
+  made->setSQLJoin("");
+  EXPECT_EQ(made->getHeaderName(), "1" + text);
+  EXPECT_EQ(made->getPrefix(), "2" + text);
+  EXPECT_EQ(made->getSQL(), "3" + text);
+  EXPECT_EQ(made->getSQLFrom(), "4" + text);
+  EXPECT_EQ(made->getSQLJoin(), "");
+  EXPECT_EQ(made->getSQLWhere(), "6" + text);
+  EXPECT_EQ(made->getSQLGroup(), "7" + text);
+  EXPECT_EQ(made->getSufix(), "8" + text);
+  EXPECT_EQ(made->getWhereAnd(), "9" + text);
+}
+
+TEST_F(SqlDataSource, PiecesThatAnElementLacksStayAsTheyWereSet) {
+  auto const made = newSource();
+  made->setPrefix("set @a = 1");
+  made->setSQLWhere("a.x < 2");
+  made->setSQLGroup("a.id");
+  auto const text = document(
+      "<moxSQLDataSource><Command type=\"1\"><from>aluno a</from><where>a.y &gt; "
+      "3</where></Command>"
+      "</moxSQLDataSource>");
+  EXPECT_TRUE(made->load(text->root()));
+  EXPECT_EQ(made->getPrefix(), "set @a = 1");
+  EXPECT_EQ(made->getSQL(), "select  from aluno a where a.y > 3 group by a.id");
 }
 
 TEST_F(SqlDataSource, TheComposedStatementWithoutColumnsHasTwoBlanks) {

@@ -367,6 +367,17 @@ TEST_F(SqlDataSourceXml, AComposedStatementMakesTheRoundTrip) {
             "<from/></Command><Columns/></moxSQLDataSource>");
 }
 
+TEST_F(SqlDataSourceXml, TextsInPiecesAreReadWhole) {
+  auto const made = source(
+      "<Prefix>set <!-- first -->@a = 1</Prefix><Sufix><![CDATA[drop table t]]></Sufix>"
+      "<Command type=\"0\">select <![CDATA[a < b]]> from t</Command>",
+      "whereand=\"and\"");
+  EXPECT_EQ(made->getPrefix(), "set @a = 1");
+  EXPECT_EQ(made->getSufix(), "drop table t");
+  EXPECT_EQ(made->getSQL(), "select a < b from t");
+  EXPECT_EQ(made->getWhereAnd(), "and");
+}
+
 TEST_F(SqlDataSourceXml, EveryPartIsWrittenInItsPlace) {
   auto const made = source(
       "<descricaoColumn tableName=\"u\" columnName=\"nome\"/><unidadeColumn tableName=\"t\" "
