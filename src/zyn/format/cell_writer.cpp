@@ -54,6 +54,7 @@ CellWriter::CellWriter(CellText const& text) : text_(&text) {
     prefix_ = text.formatter()->getPrefix();
     suffix_ = text.formatter()->getSuffix();
     room_ += prefix_.size() + suffix_.size();
+    isBare_ = prefix_.empty() && suffix_.empty();
   }
 }
 
@@ -126,7 +127,8 @@ char* CellWriter::writeInteger(Integers const& road, char* place, unsigned int r
     return place;
   }
   int const value = road.cells->values.cells()[row];
-  return put(putInteger(put(place, prefix_), value, road.layout), suffix_);
+  return isBare_ ? putInteger(place, value, road.layout)
+                 : put(putInteger(put(place, prefix_), value, road.layout), suffix_);
 }
 
 /// Empty for a number that is written by the library.
@@ -134,7 +136,11 @@ char* CellWriter::writeDecimal(Decimals const& road, char* place, unsigned int r
   if (isEmpty(*road.cells, row)) {
     return place;
   }
-  char* const end = putDecimal(put(place, prefix_), road.cells->values.cells()[row], road.layout);
+  double const value = road.cells->values.cells()[row];
+  if (isBare_) {
+    return putDecimal(place, value, road.layout);
+  }
+  char* const end = putDecimal(put(place, prefix_), value, road.layout);
   return end == nullptr ? end : put(end, suffix_);
 }
 
@@ -143,7 +149,11 @@ char* CellWriter::writeDate(Dates& road, char* place, unsigned int row) const {
   if (isEmpty(*road.cells, row) || !road.cells->values.cells()[row]) {
     return place;
   }
-  char* const end = putDate(road, put(place, prefix_), road.cells->values.cells()[row]);
+  datetime_t const& moment = road.cells->values.cells()[row];
+  if (isBare_) {
+    return putDate(road, place, moment);
+  }
+  char* const end = putDate(road, put(place, prefix_), moment);
   return end == nullptr ? end : put(end, suffix_);
 }
 
@@ -172,7 +182,7 @@ char* CellWriter::writeText(Texts const& road, TextBuffer& buffer, char* place, 
   }
   TextRef const& text = road.cells->values.cells()[row];
   if (text.size() <= kShortText) {
-    return put(putShort(put(place, prefix_), text), suffix_);
+    return isBare_ ? putShort(place, text) : put(putShort(put(place, prefix_), text), suffix_);
   }
   place = buffer.room(place, prefix_.size() + text.size() + suffix_.size() + rest);
   place = put(place, prefix_);

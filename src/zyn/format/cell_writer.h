@@ -67,5 +67,6 @@ class CellWriter {
   Road road_;
   std::string prefix_;
   std::string suffix_;
+  bool isBare_ = true;  // nothing stands before or behind the text
   std::size_t room_ = 0;
 };

@@ -48,6 +48,12 @@ constexpr auto kPowersOfTen = [] {
 // Numbers are written where they will stand: put together elsewhere and then copied, the copy would
 // wait for the pieces. Each function gives the new end, and may write three bytes beyond it.
 
+/// Without a branch, as the processor would guess wrong where some numbers are negative.
+char* putSign(char* place, bool isNegative) {
+  *place = '-';
+  return place + (isNegative ? 1 : 0);
+}
+
 /// The last `count` digits, at most three, of a number below 1000.
 char* putLast(char* place, std::uint64_t value, unsigned int count) {
   std::memcpy(place, &kThreeDigits[4 * value + 3 - count], 4);
@@ -174,9 +180,7 @@ bool isFast(double magnitude, unsigned int precision) {
 }
 
 char* putFixedPoint(char* place, FixedPoint number, bool isNegative, NumberLayout const& layout) {
-  if (isNegative) {
-    *place++ = '-';
-  }
+  place = putSign(place, isNegative);
   place = putWhole(place, number.whole, layout);
   if (layout.precision != 0) {
     *place++ = layout.decimalSeparator;
@@ -231,9 +235,7 @@ NumberLayout withinBounds(NumberLayout layout) {
 
 char* putInteger(char* place, long long value, NumberLayout const& layout) {
   auto const bits = static_cast<std::uint64_t>(value);
-  if (value < 0) {
-    *place++ = '-';
-  }
+  place = putSign(place, value < 0);
   return putWhole(place, value < 0 ? 0 - bits : bits, layout);
 }
 

@@ -113,8 +113,14 @@ void writeOwnRows(LineFile& file, Internals::ExportRow const& row) {
   }
 }
 
+/// Columns of other libraries may differ in length: there is a row where all of them have one.
 bool hasRow(moxDataMatrixExporterRow const& row) {
-  return row.columnCount() != 0 && !row.column(0)->getIterator()->atEnd();
+  for (unsigned int i = 0; i < row.columnCount(); ++i) {
+    if (row.column(i)->getIterator()->atEnd()) {
+      return false;
+    }
+  }
+  return row.columnCount() != 0;
 }
 
 void writeRows(LineFile& file, moxDataMatrixExporterRow& row) {
