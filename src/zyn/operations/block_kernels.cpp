@@ -11,6 +11,7 @@
 #endif
 
 #include "zyn/expressions/arithmetic.h"
+#include "zyn/matrix/prefetch.h"
 #include "zyn/operations/column_operation.h"
 #include "zyn/operations/exact_power.h"
 
@@ -150,14 +151,14 @@ struct KeptParts {
 constexpr KeptParts kKeptParts;
 
 /// The rows of a later block, which memory brings while the block at hand is computed.
-constexpr std::size_t kRowsAhead = 1024;
+constexpr std::size_t kBytesAhead = 1024 * sizeof(double);
 
 /// All rows of a word, whose nulls are masked out on the way: compilers make an instruction of
 /// short copies that takes three times as long, before any null is looked at.
 [[gnu::target("avx2")]] void copyWordAvx2(double const* cells, std::uint64_t nulls, double* place) {
   for (std::size_t row = 0; row < kWordRows; row += 4) {
     if (row % 8 == 0) {
-      __builtin_prefetch(cells + row + kRowsAhead);
+      prefetchBehind(cells + row, kBytesAhead);
     }
     auto const* const kept = reinterpret_cast<double const*>(kKeptParts.bits[nulls & 15U]);
     _mm256_storeu_pd(place + row,

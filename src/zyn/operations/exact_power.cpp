@@ -10,6 +10,8 @@
 #include <immintrin.h>
 #endif
 
+#include "zyn/matrix/prefetch.h"
+
 namespace exact_power {
 
 namespace {
@@ -221,12 +223,12 @@ std::uint64_t roundedRest(RoundedPowers compute, double const* bases, double* re
   return unsafe;
 }
 
-/// Has memory bring the bases of a word of the next block. Nothing is read, so that it does not
-/// matter where they end.
-void askFor(double const* bases) {
-  constexpr std::size_t kLine = 64 / sizeof(double);
-  for (std::size_t i = 0; i < kWordRows; i += kLine) {
-    __builtin_prefetch(bases + i);
+/// Has memory bring the bases of a word of the next block, if there is one.
+void askForNext(double const* bases) {
+  constexpr std::size_t kLine = 64;
+  constexpr std::size_t kBlockBytes = kBlock * sizeof(double);
+  for (std::size_t byte = 0; byte < kWordRows * sizeof(double); byte += kLine) {
+    prefetchBehind(bases, kBlockBytes + byte);
   }
 }
 
@@ -238,7 +240,7 @@ void powersOfBlock(RoundedPowers compute, double exponent, double const* bases, 
   std::size_t unsafeCount = 0;
   for (std::size_t first = 0; first < count; first += kWordRows) {
     std::size_t const rows = std::min(kWordRows, count - first);
-    askFor(bases + first + kBlock);
+    askForNext(bases + first);
     std::uint64_t bits = rows == kWordRows
                              ? compute(bases + first, results + first)
                              : roundedRest(compute, bases + first, results + first, rows);
