@@ -12,21 +12,13 @@
 
 #include "zyn/expressions/arithmetic.h"
 #include "zyn/matrix/prefetch.h"
+#include "zyn/matrix/processor.h"
 #include "zyn/operations/column_operation.h"
 #include "zyn/operations/exact_power.h"
 
 namespace {
 
 using moxExParser::Opcode;
-
-bool hasAvx2() {
-#if defined(__x86_64__)
-  static bool const has = __builtin_cpu_supports("avx2") != 0;
-  return has;
-#else
-  return false;
-#endif
-}
 
 struct Values {
   double const* __restrict values;

@@ -7,6 +7,7 @@
 
 #include "zyn/matrix/data_matrix_columns.h"
 #include "zyn/matrix/key_groups.h"
+#include "zyn/matrix/processor.h"
 
 namespace {
 
@@ -17,15 +18,6 @@ constexpr std::uint32_t kScanned = 1U << 16;  // rows between two looks at the r
 /// An array of as many places takes less memory than the numbers of groups of all rows would.
 std::size_t mostPlaces(std::uint32_t rows) {
   return std::max<std::size_t>(kAlwaysFew, rows / 4);
-}
-
-bool hasAvx2() {
-#if defined(__x86_64__)
-  static bool const has = __builtin_cpu_supports("avx2") != 0;
-  return has;
-#else
-  return false;
-#endif
 }
 
 /// The least and the greatest of the values met so far.

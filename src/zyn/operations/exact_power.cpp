@@ -11,6 +11,7 @@
 #endif
 
 #include "zyn/matrix/prefetch.h"
+#include "zyn/matrix/processor.h"
 
 namespace exact_power {
 
@@ -199,18 +200,16 @@ template <class Power>
   return rounded<Power, Fused>(bases, results);
 }
 
-template <class Power>
-RoundedPowers bestPowers() {
-  static bool const isNew =
-      __builtin_cpu_supports("avx2") != 0 && __builtin_cpu_supports("fma") != 0;
-  return isNew ? fusedPowers<Power> : rounded<Power, Halves>;
-}
-#else
-template <class Power>
-RoundedPowers bestPowers() {
-  return rounded<Power, Halves>;
-}
 #endif
+
+template <class Power>
+RoundedPowers chosenPowers(bool fuses) {
+#if defined(__x86_64__)
+  return fuses ? fusedPowers<Power> : rounded<Power, Halves>;
+#else
+  return rounded<Power, Halves>;
+#endif
+}
 
 /// The same for the last rows, less than 64.
 std::uint64_t roundedRest(RoundedPowers compute, double const* bases, double* results,
@@ -254,10 +253,10 @@ void powersOfBlock(RoundedPowers compute, double exponent, double const* bases, 
 }
 
 template <class Power>
-void powersOf(double const* bases, double* results, std::size_t count) {
+void powersOf(double const* bases, double* results, std::size_t count, bool fuses) {
   // Read anew, as compilers take std::pow with a known exponent for a product, which it is not.
   double const volatile exponent = Power::kExponent;
-  RoundedPowers const compute = bestPowers<Power>();
+  RoundedPowers const compute = chosenPowers<Power>(fuses);
   for (std::size_t first = 0; first < count; first += kBlock) {
     powersOfBlock(compute, exponent, bases + first, results + first,
                   std::min(kBlock, count - first));
@@ -272,12 +271,16 @@ bool isKnown(double exponent) {
 }
 
 void powers(double const* bases, double exponent, double* results, std::size_t count) {
+  powers(bases, exponent, results, count, hasFusedProducts());
+}
+
+void powers(double const* bases, double exponent, double* results, std::size_t count, bool fuses) {
   if (exponent == Square::kExponent) {
-    powersOf<Square>(bases, results, count);
+    powersOf<Square>(bases, results, count, fuses);
   } else if (exponent == Cube::kExponent) {
-    powersOf<Cube>(bases, results, count);
+    powersOf<Cube>(bases, results, count, fuses);
   } else {
-    powersOf<Root>(bases, results, count);
+    powersOf<Root>(bases, results, count, fuses);
   }
 }
 

@@ -15,4 +15,7 @@ bool isKnown(double exponent);
 /// Puts std::pow(bases[i], exponent) into results[i]; the arrays must not overlap.
 void powers(double const* bases, double exponent, double* results, std::size_t count);
 
+/// The same with fused products, which not every processor has, or without.
+void powers(double const* bases, double exponent, double* results, std::size_t count, bool fuses);
+
 }  // namespace exact_power

@@ -17,6 +17,7 @@
 #include "support/many_threads.h"
 #include "support/matrix_builder.h"
 #include "support/test_host.h"
+#include "unit/operations/made_aggregator.h"
 #include "zyn/frame/plugin_containers.h"
 
 using namespace mox_test;
@@ -28,34 +29,6 @@ constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 using Matrix = std::shared_ptr<moxDataMatrix>;
 using Aggregator = std::shared_ptr<moxDataMatrixAggregator>;
 using Types = moxDataMatrixTypes;
-
-std::shared_ptr<moxCommonAggregationFunction> function(TestHost& host,
-                                                       std::string const& registeredName,
-                                                       std::string const& source,
-                                                       std::string const& target) {
-  auto made = host.get<moxCommonAggregationFunction>(registeredName);
-  made->setSourceColumn(source);
-  made->setTargetColumn(target);
-  return made;
-}
-
-struct Spec {
-  std::string registeredName;
-  std::string source;
-  std::string target;
-};
-
-Aggregator aggregator(TestHost& host, std::vector<std::string> const& indexes,
-                      std::vector<Spec> const& functions) {
-  auto made = host.get<moxDataMatrixAggregator>("moxDataMatrixAggregator");
-  for (auto const& index : indexes) {
-    made->pushIndexColumn(index);
-  }
-  for (auto const& spec : functions) {
-    made->addFunction(function(host, spec.registeredName, spec.source, spec.target));
-  }
-  return made;
-}
 
 /// Counts the rows that it is shown, in a column without a name; of a class that nobody registered.
 class RowCounter final : public virtual moxAggregationFunction {

@@ -5,33 +5,9 @@
 #include "mox/zyn/matrix/aggregation_function.h"
 #include "mox/zyn/matrix/data_matrix_aggregator.h"
 #include "support/test_host.h"
+#include "unit/operations/made_aggregator.h"
 
-namespace {
-
-using Aggregator = std::shared_ptr<moxDataMatrixAggregator>;
-
-struct Spec {
-  std::string registeredName;
-  std::string source;
-  std::string target;
-};
-
-Aggregator aggregator(TestHost& host, std::vector<std::string> const& indexes,
-                      std::vector<Spec> const& functions) {
-  auto made = host.get<moxDataMatrixAggregator>("moxDataMatrixAggregator");
-  for (auto const& index : indexes) {
-    made->pushIndexColumn(index);
-  }
-  for (auto const& spec : functions) {
-    auto const function = host.get<moxCommonAggregationFunction>(spec.registeredName);
-    function->setSourceColumn(spec.source);
-    function->setTargetColumn(spec.target);
-    made->addFunction(function);
-  }
-  return made;
-}
-
-}  // namespace
+using namespace mox_test;
 
 TEST(DataMatrixAggregatorXml, GoesThroughXml) {
   TestHost host;

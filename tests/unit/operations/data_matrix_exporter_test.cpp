@@ -394,6 +394,18 @@ std::shared_ptr<DME::Internals::ExportRow> rowOf(moxDataMatrix& data) {
 
 }  // namespace
 
+TEST_F(DataMatrixExporterTest, AForeignRowBeginsWhereAllColumnsHaveOne) {
+  auto const format = host_.get<moxDataMatrixExporterFormat>(kCsv);
+  auto const path = directory_.path() / "out.csv";
+  auto const longer = host_.get<moxDataMatrix>("moxDataMatrix");
+  longer->addColumn(column("a", ints(1, 2)));
+  longer->addColumn(column("b", ints()));
+
+  format->exportToFile(path.string(), std::make_shared<PublishedRow>(rowOf(*longer)));
+
+  EXPECT_EQ(contentOf(path), "");
+}
+
 TEST_F(DataMatrixExporterTest, WritesWhatTheRowsPublishedFaceTells) {
   RandomTables random(20240307, {.unevenColumns = false});
   auto const format = host_.get<moxDataMatrixExporterFormat>(kCsv);

@@ -9,11 +9,13 @@
 #include <random>
 #include <vector>
 
+#include "zyn/matrix/processor.h"
+
 namespace {
 
-void expectStandard(std::vector<double> const& bases, double exponent) {
+void expectStandard(std::vector<double> const& bases, double exponent, bool fuses) {
   std::vector<double> results(bases.size());
-  exact_power::powers(bases.data(), exponent, results.data(), bases.size());
+  exact_power::powers(bases.data(), exponent, results.data(), bases.size(), fuses);
   std::size_t wrong = 0;
   for (std::size_t i = 0; i < bases.size(); ++i) {
     double const expected = std::pow(bases[i], exponent);
@@ -28,7 +30,8 @@ void expectStandard(std::vector<double> const& bases, double exponent) {
 
 void expectStandard(std::vector<double> const& bases) {
   for (double const exponent : {2.0, 3.0, 0.5}) {
-    expectStandard(bases, exponent);
+    expectStandard(bases, exponent, hasFusedProducts());
+    expectStandard(bases, exponent, false);
   }
 }
 
